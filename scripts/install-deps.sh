@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages that building, running and testing Lorekeep
+# need. Only missing packages are installed; when nothing is missing, apt is
+# not touched at all.
+set -euo pipefail
+
+packages=(
+    build-essential cmake ninja-build        # compiler and build tools
+    qt6-base-dev libgl-dev                   # Qt 6 Widgets
+    libgtest-dev libgmock-dev                # unit tests
+    libbenchmark-dev                         # benchmarks
+)
+
+missing=()
+for package in "${packages[@]}"; do
+    if [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" != "installed" ]; then
+        missing+=("$package")
+    fi
+done
+
+if [ "${#missing[@]}" -eq 0 ]; then
+    exit 0
+fi
+
+echo "Installing: ${missing[*]}"
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    as_root=(sudo)
+fi
+"${as_root[@]}" apt-get update
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y --no-install-recommends "${missing[@]}"

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds everything and runs the whole test suite.
+# The core is also built and tested on its own, without Qt, to keep it that way.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install-deps.sh
+
+cmake --preset default
+cmake --build --preset default
+ctest --preset default
+
+cmake --preset core
+cmake --build --preset core
+ctest --preset core

@@ -1,0 +1,19 @@
+#include <QApplication>
+
+#include <csignal>
+
+#include "document/messages.hpp"
+#include "ui/frm_main.hpp"
+#include "ui/qt_text.hpp"
+
+int main(int argc, char* argv[]) {
+    // A file-size limit would otherwise kill the editor in the middle of a
+    // save; ignored, the write fails and the save reports it.
+    std::signal(SIGXFSZ, SIG_IGN);
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(lorekeep::ui::ToQString(lorekeep::texts::kProgramTitle));
+    lorekeep::ui::frmMain window;
+    window.show();
+    return QApplication::exec();
+}

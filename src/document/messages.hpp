@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string_view>
+
+// Every text that the program itself shows in a title bar or a message box.
+// Typos are the program's own and are kept as they stand.
+namespace lorekeep::texts {
+
+inline constexpr std::u16string_view kProgramTitle = u"Lorekeep";
+inline constexpr std::u16string_view kWindowCaption = u"The Lorekeep by Halvane";
+
+inline constexpr std::u16string_view kSaveFailed = u"An error occured";
+inline constexpr std::u16string_view kLoadFailed =
+    u"An error occured - the file probably didn't exist";
+inline constexpr std::u16string_view kFolderOrNameMissing =
+    u"You must enter a schema file folder and schema name";
+inline constexpr std::u16string_view kColourOutOfRange =
+    u"You must enter values between 0 and 255 for the RGB boxes.";
+inline constexpr std::u16string_view kColourOutOfRangeTitle = u"Error.";
+
+}  // namespace lorekeep::texts

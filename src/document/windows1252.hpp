@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+#include "document/text.hpp"
+
+namespace lorekeep {
+
+// The schema file's code page. Every character that Windows-1252 represents
+// becomes its one byte; U+0081, U+008D, U+008F, U+0090 and U+009D, which the
+// code page leaves undefined, keep their own numbers so that those bytes
+// survive a load and a save. Anything else is written as '?', one per
+// character (a surrogate pair is one character).
+std::string EncodeWindows1252(TextView text);
+
+}  // namespace lorekeep
