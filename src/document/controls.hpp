@@ -1,7 +1,7 @@
 #pragma once
 
 #include "document/language.hpp"
-#include "document/text.hpp"
+#include "markup/text.hpp"
 
 // The small control interfaces that the command logic is written against. The
 // window implements them with real widgets; tests implement them with fakes.

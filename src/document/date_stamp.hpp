@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/text.hpp"
+#include "markup/text.hpp"
 
 namespace lorekeep {
 

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "document/language.hpp"
-#include "document/text.hpp"
+#include "markup/text.hpp"
 
 namespace lorekeep {
 

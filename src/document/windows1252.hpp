@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "document/text.hpp"
+#include "markup/text.hpp"
 
 namespace lorekeep {
 

@@ -48,6 +48,20 @@ inline constexpr std::u16string_view kTitleWord = u"title";
 // What the preview shows for a page-break marker, between two line breaks.
 inline constexpr std::u16string_view kPageBreakLine = u"-----------------Page Break------------";
 
+// What the preview shows in place of a colour marker: "(R:" R ",G:" G ",B:" B ") ".
+inline constexpr std::u16string_view kShownRed = u"(R:";
+inline constexpr std::u16string_view kShownGreen = u",G:";
+inline constexpr std::u16string_view kShownBlue = u",B:";
+inline constexpr std::u16string_view kShownEnd = u") ";
+
+inline std::u16string ShownColour(std::u16string_view red, std::u16string_view green,
+                                  std::u16string_view blue) {
+    std::u16string shown(kShownRed);
+    shown.append(red).append(kShownGreen).append(green).append(kShownBlue).append(blue);
+    shown.append(kShownEnd);
+    return shown;
+}
+
 // Colour marker composition: "\n<dc=" R "," G "," B ">\n".
 inline std::u16string ColourMarker(std::u16string_view red, std::u16string_view green,
                                    std::u16string_view blue) {

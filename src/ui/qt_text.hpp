@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "document/text.hpp"
+#include "markup/text.hpp"
 
 namespace lorekeep::ui {
 

@@ -5,7 +5,7 @@
 #include <ostream>
 #include <string>
 
-#include "document/text.hpp"
+#include "markup/text.hpp"
 
 namespace lorekeep::testing {
 

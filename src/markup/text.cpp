@@ -1,4 +1,4 @@
-#include "document/text.hpp"
+#include "markup/text.hpp"
 
 namespace lorekeep {
 

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <array>
+#include <random>
+
+#include "markup/markers.hpp"
+#include "markup/text.hpp"
+
+namespace lorekeep::testing {
+
+// Random bodies built from pieces of the markup: whole markers, markers with a
+// piece missing, separators, digits, commas, brackets, line breaks and letters.
+// Such text reaches every branch of the renderer and most of its odd corners.
+class MarkerSoup {
+  public:
+    explicit MarkerSoup(std::uint32_t seed) : random_(seed) {}
+
+    Text Next(std::size_t maxLength) {
+        std::uniform_int_distribution<std::size_t> lengthPick(0, maxLength);
+        const std::size_t length = lengthPick(random_);
+        Text body;
+        while (body.size() < length) {
+            body.append(Piece());
+        }
+        return body;
+    }
+
+    Text Piece() {
+        static const std::array<std::u16string_view, 49> kPieces{
+            markup::kLeftJustify, markup::kCentre, markup::kRightJustify, markup::kLineBreak,
+            markup::kParagraphBreak, markup::kPageBreak, markup::kColourBlack, markup::kColourOpen,
+            markup::kFontOpen, markup::kTitleOpen, markup::kValueClose, markup::kSeparator,
+            u"\\n<font=Papyrus14>\\n", u"\\n<title=The Tower>\\n", u"\\n<dc=255,128,0>\\n",
+            u"\\n<dc=1000,0,0>\\n", u"\\n<dc=7,08,100>\\n", u"\\n<dc=-3,x,>\\n", u"\\n<dc=1,2,3>",
+            u"\\n<jc", u"\\nxjl>\\n", u"\\n<JC>\\n", u"\\n<BR>\\n", u"\\n<p>", u"\\n<pb",
+            u"\\n<br>", u"\\", u"n", u"<", u">", u",", u"=", u"dc=", u"jl", u"p>", u"pb", u"0",
+            u"9", u"255", u"-", u"\r", u"\n", u" ", u"Hello", u"é€", u"ab",
+            // fillers that put a colour marker's closing separator near the end of its reach
+            u"abcdefghijklmnopqrst", u"0123456789", u"abcdefghijklmnopqrstuvwxyz"};
+        std::uniform_int_distribution<std::size_t> pick(0, kPieces.size() - 1);
+        return Text(kPieces[pick(random_)]);
+    }
+
+  private:
+    std::mt19937 random_;
+};
+
+}  // namespace lorekeep::testing
