@@ -10,6 +10,9 @@ packages=(
     libgtest-dev libgmock-dev                # unit tests
     libbenchmark-dev                         # benchmarks
 )
+# Tools that only some scripts need (the screenshot, fuzzing) ask for more.
+read -r -a extra <<< "${LOREKEEP_EXTRA_PACKAGES:-}"
+packages+=("${extra[@]}")
 
 missing=()
 for package in "${packages[@]}"; do

@@ -281,4 +281,8 @@ void ParseSchemaText(PreviewPane& pane) {
     pane.ShowRendered(RenderPreview(pane.ReadText()));
 }
 
+void ShowPreview(TextView editorText, PreviewPane& pane) {
+    pane.ShowRendered(RenderPreview(editorText));
+}
+
 }  // namespace lorekeep::modSchemaParse

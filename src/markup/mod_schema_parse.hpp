@@ -18,6 +18,11 @@ markup::RenderedPreview RenderPreview(TextView body);
 // Renders the pane's own text in place and shows the result on the pane.
 void ParseSchemaText(markup::PreviewPane& pane);
 
+// Copies an editor's text into its preview pane and renders it there: the
+// same as setting the pane's text and calling ParseSchemaText, with the pane's
+// document built once instead of twice.
+void ShowPreview(TextView editorText, markup::PreviewPane& pane);
+
 // A colour component as a colour marker writes it: an optional "-" and
 // digits, clamped to 0..255. Anything else (empty text included) has no value,
 // and a marker with such a component colours nothing.

@@ -1,24 +1,245 @@
 #include "ui/frm_main.hpp"
 
+#include <QKeySequence>
+#include <QShortcut>
+
 #include "document/messages.hpp"
+#include "ui/caption_button.hpp"
 #include "ui/qt_text.hpp"
+#include "ui/window_layout.hpp"
 
 namespace lorekeep::ui {
 
 namespace {
 
-// The client area in twips, shown at 15 twips per device-independent pixel.
-constexpr int kTwipsPerPixel = 15;
-constexpr int kClientWidthTwips = 6315;
-constexpr int kClientHeightTwips = 7065;
+using layout::ToPixels;
+
+template <typename W>
+W* Place(W* widget, layout::TwipRect where, const char* name, std::u16string_view tip = {}) {
+    widget->setGeometry(ToPixels(where));
+    widget->setObjectName(QString::fromLatin1(name));
+    if (!tip.empty()) {
+        widget->setToolTip(ToQString(tip));
+    }
+    return widget;
+}
+
+QString Indexed(const char* name, int index) {
+    return QStringLiteral("%1(%2)").arg(QLatin1String(name)).arg(index);
+}
+
+QStringList TabCaptions() {
+    QStringList captions;
+    for (const auto& language : kLanguages) {
+        captions << ToQString(language.tabCaption);
+    }
+    for (const auto& language : kLanguages) {
+        captions << ToQString(language.previewCaption);
+    }
+    return captions;
+}
 
 }  // namespace
 
 frmMain::frmMain(QWidget* parent) : QWidget(parent) {
     setWindowTitle(ToQString(texts::kWindowCaption));
-    setFixedSize(kClientWidthTwips / kTwipsPerPixel, kClientHeightTwips / kTwipsPerPixel);
+    setFixedSize(ToPixels(layout::kClientArea).size());
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                    Qt::WindowCloseButtonHint);
+    CreateControls();
+    SetFocusOrder();
+    messageBox_ = std::make_unique<QtMessageBox>(this);
+    commands_ = std::make_unique<WindowCommands>(ControlInterfaces());
+    ConnectEvents();
+    txtLoc->setFocus(Qt::OtherFocusReason);
+}
+
+frmMain::~frmMain() = default;
+
+void frmMain::CreateControls() {
+    Frame1 =
+        Place(new QGroupBox(ToQString(layout::kFrame1Caption), this), layout::kFrame1, "Frame1");
+    Label1 =
+        Place(new QLabel(ToQString(layout::kLabel1Caption), Frame1), layout::kLabel1, "Label1");
+    Label2 =
+        Place(new QLabel(ToQString(layout::kLabel2Caption), Frame1), layout::kLabel2, "Label2");
+    txtLoc = Place(new QLineEdit(Frame1), layout::kTxtLoc, "txtLoc", layout::kTxtLocTip);
+    cmdLoc = Place(new CaptionButton(ToQString(layout::kCmdLocCaption), Frame1), layout::kCmdLoc,
+                   "cmdLoc");
+    txtName = Place(new QLineEdit(Frame1), layout::kTxtName, "txtName", layout::kTxtNameTip);
+
+    Label4 = Place(new QLabel(ToQString(layout::kLabel4Caption), this), layout::kLabel4, "Label4");
+    cboFont = Place(new QComboBox(this), layout::kCboFont, "cboFont", layout::kCboFontTip);
+    cboFont->setEditable(true);
+    // Typed names are saved as typed: never added to the list, never completed.
+    cboFont->setInsertPolicy(QComboBox::NoInsert);
+    cboFont->setCompleter(nullptr);
+    for (std::u16string_view font : layout::kFontNames) {
+        cboFont->addItem(ToQString(font), 0);
+    }
+    cboFont->setCurrentIndex(-1);
+    cboFont->setEditText(ToQString(layout::kFontBoxInitialText));
+
+    cmdSave = Place(new CaptionButton(ToQString(layout::kCmdSaveCaption), this), layout::kCmdSave,
+                    "cmdSave", layout::kCmdSaveTip);
+    cmdLoad = Place(new CaptionButton(ToQString(layout::kCmdLoadCaption), this), layout::kCmdLoad,
+                    "cmdLoad", layout::kCmdLoadTip);
+
+    tabMain = Place(new TabContainer(TabCaptions(), layout::kTabsPerRow,
+                                     layout::kTabRowHeight / layout::kTwipsPerPixel, this),
+                    layout::kTabMain, "tabMain", layout::kTabMainTip);
+    for (int i = 0; i < kLanguageCount; ++i) {
+        CreateLanguagePage(i);
+        CreatePreviewPage(i);
+    }
+}
+
+void frmMain::CreateLanguagePage(int i) {
+    QWidget* page = tabMain->page(i);
+    auto place = [&](QWidget* widget, layout::TwipRect where, const char* name,
+                     std::u16string_view tip = {}) {
+        widget->setGeometry(tabMain->toPage(ToPixels(where)));
+        widget->setObjectName(Indexed(name, widget->property("index").toInt()));
+        if (!tip.empty()) {
+            widget->setToolTip(ToQString(tip));
+        }
+    };
+    auto button = [&](std::u16string_view caption) {
+        auto* b = new CaptionButton(ToQString(caption), page);
+        b->setProperty("index", i);
+        return b;
+    };
+
+    cmdLeftJus[i] = button(layout::kCmdLeftJusCaption);
+    place(cmdLeftJus[i], layout::kCmdLeftJus, "cmdLeftJus", layout::kCmdLeftJusTip);
+    cmdRightJus[i] = button(layout::kCmdRightJusCaption);
+    place(cmdRightJus[i], layout::kCmdRightJus, "cmdRightJus", layout::kCmdRightJusTip);
+    cmdCent[i] = button(layout::kCmdCentCaption);
+    place(cmdCent[i], layout::kCmdCent, "cmdCent", layout::kCmdCentTip);
+    cmdColor[i] = button(layout::kCmdColorCaption);
+    place(cmdColor[i], layout::kCmdColor, "cmdColor", layout::kCmdColorTips[i]);
+
+    // Labels first: each colour box overlaps the end of its label and is drawn over it.
+    for (int c = 0; c < kColourBoxesPerLanguage; ++c) {
+        const int k = kColourBoxesPerLanguage * i + c;
+        Label5[k] = new QLabel(ToQString(layout::kLabel5Captions[c]), page);
+        Label5[k]->setProperty("index", k);
+        place(Label5[k], layout::kLabel5[c], "Label5");
+    }
+    for (int c = 0; c < kColourBoxesPerLanguage; ++c) {
+        const int k = kColourBoxesPerLanguage * i + c;
+        txtColor[k] = new QLineEdit(ToQString(layout::kColourBoxInitialText), page);
+        txtColor[k]->setProperty("index", k);
+        txtColor[k]->setEnabled(false);
+        place(txtColor[k], layout::kTxtColor[c], "txtColor");
+    }
+    cmdOK[i] = button(layout::kCmdOKCaption);
+    cmdOK[i]->setEnabled(false);
+    place(cmdOK[i], layout::kCmdOK, "cmdOK", layout::kCmdOKTip);
+    cmdCopy[i] = button(layout::kCmdCopyCaption);
+    place(cmdCopy[i], layout::kCmdCopy, "cmdCopy", layout::kCmdCopyTips[i]);
+
+    Label3[i] = new QLabel(ToQString(layout::kLabel3Caption), page);
+    Label3[i]->setProperty("index", i);
+    place(Label3[i], layout::kLabel3, "Label3");
+    txtTitle[i] = new QLineEdit(page);
+    txtTitle[i]->setProperty("index", i);
+    place(txtTitle[i], layout::kTxtTitle, "txtTitle", layout::kTxtTitleTip);
+
+    rtbText[i] = new RichTextBox(page);
+    rtbText[i]->setProperty("index", i);
+    place(rtbText[i], layout::kLanguageEditor, "rtbText", layout::kEditorTip);
+}
+
+void frmMain::CreatePreviewPage(int i) {
+    const int k = kPreviewIndexOffset + i;
+    rtbText[k] = new RichTextBox(tabMain->page(k));
+    rtbText[k]->setGeometry(tabMain->toPage(ToPixels(layout::kPreviewPane)));
+    rtbText[k]->setObjectName(Indexed("rtbText", k));
+    rtbText[k]->setProperty("index", k);
+    if (!layout::kPreviewTips[i].empty()) {
+        rtbText[k]->setToolTip(ToQString(layout::kPreviewTips[i]));
+    }
+}
+
+void frmMain::SetFocusOrder() {
+    std::vector<QWidget*> order{txtLoc, tabMain->strip()};
+    order.insert(order.end(), rtbText.begin(), rtbText.end());
+    order.push_back(txtName);
+    order.insert(order.end(),
+                 {cmdLeftJus[0], txtTitle[0], cmdCent[0], cmdRightJus[0], cmdColor[0]});
+    order.insert(order.end(), {txtTitle[1], txtTitle[2], txtTitle[3]});
+    for (int i = 1; i < kLanguageCount; ++i) {
+        order.insert(order.end(), {cmdColor[i], cmdRightJus[i], cmdCent[i], cmdLeftJus[i]});
+    }
+    order.insert(order.end(), {cboFont, cmdLoad, cmdSave});
+    order.insert(order.end(), txtColor.begin(), txtColor.end());
+    order.insert(order.end(), {cmdOK[3], cmdOK[2], cmdOK[0], cmdOK[1]});
+    order.insert(order.end(), cmdCopy.begin(), cmdCopy.end());
+    order.push_back(cmdLoc);
+    for (std::size_t k = 1; k < order.size(); ++k) {
+        setTabOrder(order[k - 1], order[k]);
+    }
+}
+
+WindowControls frmMain::ControlInterfaces() {
+    WindowControls c;
+    auto textBox = [&](QLineEdit* edit) {
+        textBoxes_.push_back(std::make_unique<LineEditControl>(edit));
+        return textBoxes_.back().get();
+    };
+    auto button = [&](QPushButton* b) {
+        buttons_.push_back(std::make_unique<PushButtonControl>(b));
+        return buttons_.back().get();
+    };
+    for (int k = 0; k < kRichTextBoxCount; ++k) {
+        c.rtbText[k] = rtbText[k];
+    }
+    for (int i = 0; i < kLanguageCount; ++i) {
+        c.previewPane[i] = rtbText[kPreviewIndexOffset + i];
+        c.txtTitle[i] = textBox(txtTitle[i]);
+        c.cmdColor[i] = button(cmdColor[i]);
+        c.cmdOK[i] = button(cmdOK[i]);
+    }
+    for (std::size_t k = 0; k < txtColor.size(); ++k) {
+        c.txtColor[k] = textBox(txtColor[k]);
+    }
+    c.txtLoc = textBox(txtLoc);
+    c.txtName = textBox(txtName);
+    fontBox_ = std::make_unique<ComboBoxControl>(cboFont);
+    c.cboFont = fontBox_.get();
+    c.messages = messageBox_.get();
+    c.clock = &clock_;
+    return c;
+}
+
+void frmMain::ConnectEvents() {
+    for (int k = 0; k < kRichTextBoxCount; ++k) {
+        connect(rtbText[k], &QTextEdit::textChanged, this, [this, k] { rtbText_Change(k); });
+    }
+    // Ctrl+Tab and Ctrl+Shift+Tab step through the pages, as in any tabbed window.
+    auto* next = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Tab), this);
+    connect(next, &QShortcut::activated, tabMain, [this] { tabMain->cycle(1); });
+    auto* previous = new QShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab), this);
+    connect(previous, &QShortcut::activated, tabMain, [this] { tabMain->cycle(-1); });
+    auto* previousAlt = new QShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab), this);
+    connect(previousAlt, &QShortcut::activated, tabMain, [this] { tabMain->cycle(-1); });
+}
+
+void frmMain::rtbText_Change(int Index) {
+    commands_->rtbText_Change(Index);
+}
+
+void frmMain::Save(const QString& SchemaName, const QString& filename) {
+    commands_->Save(FromQString(SchemaName), FromQString(filename));
+}
+
+void frmMain::setMessageBox(MessageBox* messages) {
+    commands_ = std::make_unique<WindowCommands>([&] {
+        WindowControls c = ControlInterfaces();
+        c.messages = messages;
+        return c;
+    }());
 }
 
 }  // namespace lorekeep::ui

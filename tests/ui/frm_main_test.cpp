@@ -1,24 +1,496 @@
+#include <QAbstractButton>
+#include <QClipboard>
+#include <QGroupBox>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QTimer>
 #include <QtTest>
 
+#include "markup/mod_schema_parse.hpp"
+#include "support/fakes.hpp"
 #include "ui/frm_main.hpp"
+#include "ui/qt_text.hpp"
 
 using lorekeep::ui::frmMain;
+using lorekeep::ui::FromQString;
+using lorekeep::ui::RichTextBox;
+using lorekeep::ui::ToQString;
+
+namespace {
+
+// The three containers whose client corner positions are measured from.
+enum class In { Window, Frame1, TabMain };
+
+QWidget* Container(frmMain& w, In in) {
+    switch (in) {
+        case In::Frame1:
+            return w.Frame1;
+        case In::TabMain:
+            return w.tabMain;
+        case In::Window:
+            break;
+    }
+    return &w;
+}
+
+QWidget* Named(frmMain& w, const QString& name) {
+    if (w.objectName() == name) {
+        return &w;
+    }
+    return w.findChild<QWidget*>(name);
+}
+
+// Every text a control shows, whatever kind of control it is.
+QString Caption(QWidget* widget) {
+    if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+        return button->text();
+    }
+    if (auto* label = qobject_cast<QLabel*>(widget)) {
+        return label->text();
+    }
+    if (auto* group = qobject_cast<QGroupBox*>(widget)) {
+        return group->title();
+    }
+    if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
+        return edit->text();
+    }
+    if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+        return combo->currentText();
+    }
+    if (auto* rich = qobject_cast<QTextEdit*>(widget)) {
+        return rich->toPlainText();
+    }
+    return {};
+}
+
+QString Name(const char* name, int index) {
+    return QStringLiteral("%1(%2)").arg(name).arg(index);
+}
+
+}  // namespace
 
 class FrmMainTest : public QObject {
     Q_OBJECT
 
   private slots:
-    void captionAndFixedClientArea() {
-        frmMain window;
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
-        QCOMPARE(window.windowTitle(), QStringLiteral("The Lorekeep by Halvane"));
-        QCOMPARE(window.size(), QSize(421, 471));
-        QCOMPARE(window.minimumSize(), window.maximumSize());
-        QVERIFY(!(window.windowFlags() & Qt::WindowMinimizeButtonHint));
-        QVERIFY(!(window.windowFlags() & Qt::WindowMaximizeButtonHint));
-        QVERIFY(window.windowFlags() & Qt::WindowCloseButtonHint);
+    void init() {
+        window_ = std::make_unique<frmMain>();
+        window_->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
     }
+    void cleanup() { window_.reset(); }
+
+    void windowIsFixedWithCloseButtonOnly() {
+        QCOMPARE(window_->windowTitle(), QStringLiteral("The Lorekeep by Halvane"));
+        QCOMPARE(window_->size(), QSize(421, 471));
+        QCOMPARE(window_->minimumSize(), QSize(421, 471));
+        QCOMPARE(window_->maximumSize(), QSize(421, 471));
+        const auto flags = window_->windowFlags();
+        QVERIFY(!(flags & Qt::WindowMinimizeButtonHint));
+        QVERIFY(!(flags & Qt::WindowMaximizeButtonHint));
+        QVERIFY(flags & Qt::WindowCloseButtonHint);
+    }
+
+    // Positions and sizes in twips, from the window's layout tables.
+    void geometry_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("in");
+        QTest::addColumn<QRect>("twips");
+        auto row = [](const QString& name, In in, int l, int t, int w, int h) {
+            QTest::newRow(qPrintable(name)) << name << int(in) << QRect(l, t, w, h);
+        };
+        row("Frame1", In::Window, 120, 0, 6135, 1455);
+        row("Label4", In::Window, 120, 1560, 495, 255);
+        row("cboFont", In::Window, 720, 1560, 1575, 315);
+        row("cmdSave", In::Window, 2400, 1560, 1215, 255);
+        row("cmdLoad", In::Window, 3720, 1560, 1215, 255);
+        row("tabMain", In::Window, 120, 1920, 6135, 5055);
+        row("Label1", In::Frame1, 120, 240, 5895, 255);
+        row("txtLoc", In::Frame1, 120, 480, 5535, 285);
+        row("cmdLoc", In::Frame1, 5640, 480, 375, 255);
+        row("Label2", In::Frame1, 120, 840, 5895, 255);
+        row("txtName", In::Frame1, 120, 1080, 5895, 285);
+        for (int i = 0; i < 4; ++i) {
+            row(Name("cmdLeftJus", i), In::TabMain, 120, 720, 975, 255);
+            row(Name("cmdRightJus", i), In::TabMain, 1080, 720, 975, 255);
+            row(Name("cmdCent", i), In::TabMain, 120, 960, 975, 255);
+            row(Name("cmdColor", i), In::TabMain, 1080, 960, 975, 255);
+            row(Name("Label5", 3 * i), In::TabMain, 2160, 720, 255, 255);
+            row(Name("txtColor", 3 * i), In::TabMain, 2280, 720, 495, 285);
+            row(Name("Label5", 3 * i + 1), In::TabMain, 2880, 720, 255, 255);
+            row(Name("txtColor", 3 * i + 1), In::TabMain, 3000, 720, 495, 285);
+            row(Name("Label5", 3 * i + 2), In::TabMain, 3600, 720, 255, 255);
+            row(Name("txtColor", 3 * i + 2), In::TabMain, 3720, 720, 495, 285);
+            row(Name("cmdOK", i), In::TabMain, 2280, 960, 1935, 255);
+            row(Name("cmdCopy", i), In::TabMain, 4320, 720, 1455, 495);
+            row(Name("Label3", i), In::TabMain, 120, 1320, 495, 255);
+            row(Name("txtTitle", i), In::TabMain, 600, 1320, 5175, 285);
+            row(Name("rtbText", i), In::TabMain, 120, 1680, 5655, 3255);
+            row(Name("rtbText", 4 + i), In::TabMain, 120, 720, 5655, 4215);
+        }
+    }
+    void geometry() {
+        QFETCH(QString, name);
+        QFETCH(int, in);
+        QFETCH(QRect, twips);
+        QWidget* widget = Named(*window_, name);
+        QVERIFY2(widget, qPrintable(name));
+        QWidget* container = Container(*window_, In(in));
+        const QPoint corner = widget->mapTo(container, QPoint(0, 0));
+        QCOMPARE(QRect(corner, widget->size()), QRect(twips.left() / 15, twips.top() / 15,
+                                                      twips.width() / 15, twips.height() / 15));
+    }
+
+    void captions_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("caption");
+        auto row = [](const QString& name, const char* caption) {
+            QTest::newRow(qPrintable(name)) << name << QString::fromUtf8(caption);
+        };
+        row("Frame1", "Schema");
+        row("Label1", "Schema File Folder:");
+        row("Label2", "Schema Name: (Do not include extension)");
+        row("Label4", "Font:");
+        row("cmdLoc", "...");
+        row("cmdSave", "Save Schema");
+        row("cmdLoad", "Load Schema");
+        row("cboFont", "Font");
+        row("txtLoc", "");
+        row("txtName", "");
+        for (int i = 0; i < 4; ++i) {
+            row(Name("cmdLeftJus", i), "Left Justify");
+            row(Name("cmdRightJus", i), "Right Justify");
+            row(Name("cmdCent", i), "Center");
+            row(Name("cmdColor", i), "Colour");
+            row(Name("cmdOK", i), "OK");
+            row(Name("cmdCopy", i), "Copy Text to all Other Languages");
+            row(Name("Label3", i), "Title:");
+            row(Name("txtTitle", i), "");
+            row(Name("rtbText", i), "");
+            row(Name("rtbText", i + 4), "");
+            for (int c = 0; c < 3; ++c) {
+                row(Name("Label5", 3 * i + c), c == 0 ? "R" : c == 1 ? "G" : "B");
+                row(Name("txtColor", 3 * i + c), "0");
+            }
+        }
+    }
+    void captions() {
+        QFETCH(QString, name);
+        QFETCH(QString, caption);
+        QWidget* widget = Named(*window_, name);
+        QVERIFY2(widget, qPrintable(name));
+        QCOMPARE(Caption(widget), caption);
+    }
+
+    void tooltips_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("tip");
+        auto row = [](const QString& name, const char* tip) {
+            QTest::newRow(qPrintable(name)) << name << QString::fromUtf8(tip);
+        };
+        const char* ingame = "This is what your text will look like in-game";
+        row("txtLoc", "Folder where the schema file will be saved to");
+        row("txtName",
+            "The name of the schema file. No file extension is needed as it is added "
+            "automatically.");
+        row("cboFont", "Fonts compatible with the game");
+        row("cmdSave", "Save the Current Schema File");
+        row("cmdLoad", "Load a Schema File");
+        row("tabMain", ingame);
+        row("cmdLoc", "");
+        row("Frame1", "");
+        row("Label1", "");
+        row(Name("rtbText", 4), ingame);
+        row(Name("rtbText", 5), ingame);
+        row(Name("rtbText", 6), "");
+        row(Name("rtbText", 7), "");
+        row(Name("cmdColor", 0), "Unlocks RGB Boxes for colour choice");
+        for (int i = 1; i < 4; ++i) {
+            row(Name("cmdColor", i), "Unlocks RGB Boxes for color choice");
+        }
+        row(Name("cmdCopy", 0),
+            "This copies the text currently in English to the French, German and Italian "
+            "sections.");
+        row(Name("cmdCopy", 1),
+            "This copies the text currently in French to the English, German and Italian "
+            "sections.");
+        row(Name("cmdCopy", 2),
+            "This copies the text currently in German to the French, English and Italian "
+            "sections.");
+        row(Name("cmdCopy", 3),
+            "This copies the text currently in Italian to the French, German and English "
+            "sections.");
+        for (int i = 0; i < 4; ++i) {
+            row(Name("cmdLeftJus", i), "Adds Left Justified Markers");
+            row(Name("cmdRightJus", i), "Adds Right Justified Markers");
+            row(Name("cmdCent", i), "Adds Centered Markers");
+            row(Name("cmdOK", i), "Adds Colour Markers");
+            row(Name("txtTitle", i), "Title to appear at the top of your text.");
+            row(Name("rtbText", i),
+                "Type your text here. This text will be modified and saved to the schema file. "
+                "You may add special syntax here manually.");
+            row(Name("Label3", i), "");
+            for (int c = 0; c < 3; ++c) {
+                row(Name("txtColor", 3 * i + c), "");
+                row(Name("Label5", 3 * i + c), "");
+            }
+        }
+    }
+    void tooltips() {
+        QFETCH(QString, name);
+        QFETCH(QString, tip);
+        QWidget* widget = Named(*window_, name);
+        QVERIFY2(widget, qPrintable(name));
+        QCOMPARE(widget->toolTip(), tip);
+    }
+
+    void initialState() {
+        frmMain& w = *window_;
+        for (QLineEdit* box : w.txtColor) {
+            QVERIFY(!box->isEnabled());
+        }
+        for (int i = 0; i < 4; ++i) {
+            QVERIFY(!w.cmdOK[i]->isEnabled());
+            for (QWidget* enabled : std::initializer_list<QWidget*>{
+                     w.cmdLeftJus[i], w.cmdCent[i], w.cmdRightJus[i], w.cmdColor[i], w.cmdCopy[i],
+                     w.txtTitle[i], w.rtbText[i], w.rtbText[4 + i]}) {
+                QVERIFY2(enabled->isEnabled(), qPrintable(enabled->objectName()));
+            }
+            QVERIFY(!w.rtbText[i]->isReadOnly());
+            QVERIFY(!w.rtbText[4 + i]->isReadOnly());
+        }
+        QCOMPARE(w.cboFont->count(), 5);
+        const QStringList fonts{"Papyrus14", "Papyrus20", "SmallFont10", "MediumFont14",
+                                "MediumFont16"};
+        for (int k = 0; k < 5; ++k) {
+            QCOMPARE(w.cboFont->itemText(k), fonts[k]);
+            QCOMPARE(w.cboFont->itemData(k).toInt(), 0);
+        }
+        QCOMPARE(w.cboFont->currentIndex(), -1);
+        QVERIFY(w.cboFont->isEditable());
+        QCOMPARE(w.tabMain->currentIndex(), 0);
+        const QStringList tabs{"English",       "French",         "German",
+                               "Italian",       "English Parsed", "French Parsed",
+                               "German Parsed", "Italian Parsed"};
+        for (int k = 0; k < 8; ++k) {
+            QCOMPARE(w.tabMain->strip()->tabText(k), tabs[k]);
+        }
+        QVERIFY(w.rtbText[0]->isVisible());
+        QVERIFY(!w.rtbText[4]->isVisible());
+        w.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&w));
+        QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(w.txtLoc));
+        QVERIFY(w.Toggle(false));
+        QVERIFY(!w.Toggle(true));
+    }
+
+    void focusOrderFollowsTheList() {
+        frmMain& w = *window_;
+        QList<QWidget*> expected{w.txtLoc, w.tabMain->strip()};
+        for (auto* box : w.rtbText) {
+            expected << box;
+        }
+        expected << w.txtName << w.cmdLeftJus[0] << w.txtTitle[0] << w.cmdCent[0]
+                 << w.cmdRightJus[0] << w.cmdColor[0] << w.txtTitle[1] << w.txtTitle[2]
+                 << w.txtTitle[3];
+        for (int i = 1; i < 4; ++i) {
+            expected << w.cmdColor[i] << w.cmdRightJus[i] << w.cmdCent[i] << w.cmdLeftJus[i];
+        }
+        expected << w.cboFont << w.cmdLoad << w.cmdSave;
+        for (auto* box : w.txtColor) {
+            expected << box;
+        }
+        expected << w.cmdOK[3] << w.cmdOK[2] << w.cmdOK[0] << w.cmdOK[1];
+        for (auto* button : w.cmdCopy) {
+            expected << button;
+        }
+        expected << w.cmdLoc;
+
+        // Walk the window's focus chain and keep the controls that take focus.
+        QList<QWidget*> chain;
+        for (QWidget* next = w.txtLoc; chain.size() < expected.size();) {
+            chain << next;
+            do {
+                next = next->nextInFocusChain();
+            } while (next != w.txtLoc && !expected.contains(next));
+            if (next == w.txtLoc) {
+                break;
+            }
+        }
+        QCOMPARE(chain, expected);
+        for (QWidget* widget : expected) {
+            QVERIFY2(widget->focusPolicy() & Qt::TabFocus, qPrintable(widget->objectName()));
+        }
+        for (QWidget* label : {static_cast<QWidget*>(w.Label1), static_cast<QWidget*>(w.Label3[0]),
+                               static_cast<QWidget*>(w.Frame1)}) {
+            QCOMPARE(label->focusPolicy(), Qt::NoFocus);
+        }
+    }
+
+    void tabsSwitchOnlyWhenTheUserAsks() {
+        frmMain& w = *window_;
+        auto* strip = w.tabMain->strip();
+        QTest::mouseClick(strip, Qt::LeftButton, {}, strip->tabRect(5).center());
+        QCOMPARE(w.tabMain->currentIndex(), 5);
+        QVERIFY(w.rtbText[5]->isVisible());
+        QTest::keyClicks(w.rtbText[0], "typing does not switch");
+        w.cmdCent[0]->click();
+        QCOMPARE(w.tabMain->currentIndex(), 5);
+
+        w.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&w));
+        w.txtName->setFocus();
+        QTest::keyClick(w.txtName, Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(w.tabMain->currentIndex(), 6);
+        QTest::keyClick(w.txtName, Qt::Key_Tab, Qt::ControlModifier);
+        QTest::keyClick(w.txtName, Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(w.tabMain->currentIndex(), 0);
+        QTest::keyClick(w.txtName, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(w.tabMain->currentIndex(), 7);
+    }
+
+    // Typing into editor i refreshes pane i + 4 and no other.
+    void typingRefreshesOnlyItsOwnPane_data() {
+        QTest::addColumn<int>("language");
+        for (int i = 0; i < 4; ++i) {
+            QTest::newRow(qPrintable(QString::number(i))) << i;
+        }
+    }
+    void typingRefreshesOnlyItsOwnPane() {
+        QFETCH(int, language);
+        frmMain& w = *window_;
+        w.tabMain->setCurrentIndex(language);
+        w.rtbText[language]->setFocus();
+        QTest::keyClicks(w.rtbText[language], "A\\n<br>\\nB");
+        for (int k = 0; k < 4; ++k) {
+            const QString expected = k == language ? QStringLiteral("A\nB") : QString();
+            QCOMPARE(w.rtbText[4 + k]->toPlainText(), expected);
+        }
+        QCOMPARE(w.rtbText[4 + language]->PlainText(), std::u16string(u"A\rB"));
+    }
+
+    void settingTextFromCodeRefreshesTheOnePane() {
+        frmMain& w = *window_;
+        QSignalSpy changes(w.rtbText[2], &QTextEdit::textChanged);
+        w.rtbText[2]->SetPlainText(u"x\\n<p>\\ny");
+        QCOMPARE(changes.count(), 1);
+        QCOMPARE(w.rtbText[6]->PlainText(), std::u16string(u"x\r\ry"));
+        QVERIFY(w.rtbText[4]->PlainText().empty());
+    }
+
+    void otherControlsRefreshNothing() {
+        frmMain& w = *window_;
+        w.rtbText[0]->SetPlainText(u"body");
+        w.rtbText[4]->SetPlainText(u"left alone");
+        QTest::keyClicks(w.txtTitle[0], "\\n<br>\\n");
+        QTest::keyClicks(w.cboFont->lineEdit(), "X");
+        w.txtColor[0]->setEnabled(true);
+        QTest::keyClicks(w.txtColor[0], "5");
+        QTest::keyClicks(w.txtLoc, "folder");
+        QCOMPARE(w.rtbText[4]->PlainText(), std::u16string(u"left alone"));
+        // Typing into a pane renders nothing and changes no other box.
+        w.rtbText[4]->SetCaret(99);
+        QTest::keyClicks(w.rtbText[4], "\\n<br>\\n");
+        QCOMPARE(w.rtbText[4]->PlainText(), std::u16string(u"left alone\\n<br>\\n"));
+        QCOMPARE(w.rtbText[0]->PlainText(), std::u16string(u"body"));
+    }
+
+    // The pane's characters, colours and paragraph alignments, read back from
+    // the widget, are the renderer's.
+    void paneShowsExactlyWhatTheRendererComputed() {
+        frmMain& w = *window_;
+        const std::u16string body =
+            u"\\n<font=Papyrus14>\\n\\n<title=T>\\nIntro\\n<br>\\n\\n<jc>\\nCentred"
+            u"\\n<dc=255,0,0>\\nred\\n<p>\\n\\n<jr>\\nright\\n<dc=0,0,0>\\n\\n<pb>\\n"
+            u"\\n<jl>\\nleft\\n<dc=7,08,100>\\nend\\n<JC>\\n\\n<br>\\n\\n<jc>\\n";
+        w.rtbText[1]->SetPlainText(body);
+        const auto model = lorekeep::modSchemaParse::RenderPreview(body);
+        RichTextBox* pane = w.rtbText[5];
+        QCOMPARE(pane->PlainText(), model.text);
+        const auto colours = lorekeep::markup::ColourOfEachCharacter(model);
+        for (std::size_t k = 0; k < model.text.size(); ++k) {
+            if (lorekeep::markup::IsParagraphSeparator(model.text[k])) {
+                continue;  // a paragraph end carries no character format of its own
+            }
+            const QColor shown = pane->CharacterColour(k);
+            const QColor expected =
+                colours[k] ? QColor(colours[k]->red, colours[k]->green, colours[k]->blue)
+                           : QColor();
+            QVERIFY2(shown == expected, qPrintable(QStringLiteral("character %1").arg(k)));
+        }
+        QCOMPARE(pane->document()->blockCount(), static_cast<int>(model.paragraphs.size()));
+        for (std::size_t p = 0; p < model.paragraphs.size(); ++p) {
+            QVERIFY2(pane->ParagraphAlignment(static_cast<int>(p)) == model.paragraphs[p],
+                     qPrintable(QStringLiteral("paragraph %1").arg(p)));
+        }
+        QCOMPARE(pane->Caret(), model.caret);
+        QCOMPARE(static_cast<std::size_t>(pane->textCursor().selectedText().size()),
+                 model.selectionLength);
+    }
+
+    void caretBeyondTheEndGoesToTheEnd() {
+        RichTextBox* box = window_->rtbText[0];
+        box->SetPlainText(u"abc");
+        box->SetCaret(99);
+        QCOMPARE(box->Caret(), std::size_t{3});
+        box->SetCaret(1);
+        QCOMPARE(box->Caret(), std::size_t{1});
+    }
+
+    void pastingKeepsPlainTextOnly() {
+        RichTextBox* box = window_->rtbText[0];
+        auto* mime = new QMimeData;
+        mime->setHtml("<b>bold</b> <span style='color:red'>red</span>");
+        mime->setText("bold red");
+        QApplication::clipboard()->setMimeData(mime);
+        box->paste();
+        QCOMPARE(box->PlainText(), std::u16string(u"bold red"));
+        QVERIFY(!box->toHtml().contains("font-weight:700"));
+        QVERIFY(!box->toHtml().contains("color:"));
+    }
+
+    void typedCharactersAreOfferedBeforeInsertion() {
+        RichTextBox* box = window_->rtbText[4];
+        QList<int> offered;
+        box->onCharacterTyped = [&](int& code) {
+            offered << code;
+            if (code == 'x') {
+                code = 0;
+            }
+        };
+        box->setFocus();
+        QTest::keyClicks(box, "axb");
+        QTest::keyClick(box, Qt::Key_Return);
+        QCOMPARE(offered, (QList<int>{'a', 'x', 'b', 13}));
+        QCOMPARE(box->PlainText().substr(0, 2), std::u16string(u"ab"));
+    }
+
+    // The real message box, shown modally and closed by a timer.
+    void realMessageBoxShowsTextAndTitle() {
+        lorekeep::ui::QtMessageBox messages(window_.get());
+        QString title;
+        QString text;
+        int buttons = 0;
+        bool noIcon = false;
+        QTimer::singleShot(0, [&] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            QVERIFY(box);
+            title = box->windowTitle();
+            text = box->text();
+            buttons = static_cast<int>(box->buttons().size());
+            noIcon = box->icon() == QMessageBox::NoIcon;
+            box->button(QMessageBox::Ok)->click();
+        });
+        messages.ShowMessage(u"An error occured", u"Lorekeep");
+        QCOMPARE(title, QStringLiteral("Lorekeep"));
+        QCOMPARE(text, QStringLiteral("An error occured"));
+        QCOMPARE(buttons, 1);
+        QVERIFY(noIcon);
+    }
+
+  private:
+    std::unique_ptr<frmMain> window_;
 };
 
 QTEST_MAIN(FrmMainTest)

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <array>
+
+#include "document/controls.hpp"
+#include "document/date_stamp.hpp"
+#include "markup/preview_pane.hpp"
+
+namespace lorekeep {
+
+// Eight rich-text boxes: the four language editors, then their preview panes.
+inline constexpr int kRichTextBoxCount = 8;
+inline constexpr int kPreviewIndexOffset = 4;
+inline constexpr int kColourBoxesPerLanguage = 3;
+
+// Every control of the main window that a command reads or writes, by the
+// window's own names and indices.
+struct WindowControls {
+    std::array<EditorBox*, kRichTextBoxCount> rtbText{};
+    std::array<markup::PreviewPane*, kLanguageCount> previewPane{};  // rtbText(4 + i)
+    std::array<TextBox*, kLanguageCount> txtTitle{};
+    std::array<TextBox*, kLanguageCount * kColourBoxesPerLanguage> txtColor{};
+    std::array<Button*, kLanguageCount> cmdColor{};
+    std::array<Button*, kLanguageCount> cmdOK{};
+    TextBox* txtLoc = nullptr;
+    TextBox* txtName = nullptr;
+    FontBox* cboFont = nullptr;
+    MessageBox* messages = nullptr;
+    const Clock* clock = nullptr;
+};
+
+// Returns the negation of a truth value.
+constexpr bool Toggle(bool Data) {
+    return !Data;
+}
+
+// The window's behaviour, event by event, written against the control
+// interfaces. The window owns one and routes every handled event to it.
+class WindowCommands final : public DocumentSource {
+  public:
+    explicit WindowCommands(WindowControls controls) : c_(controls) {}
+
+    // Text changed in rich-text box Index: an editor (0..3) refreshes its
+    // language's preview; a preview pane's own changes do nothing.
+    void rtbText_Change(int Index);
+
+    // Reads the document from the controls, for Save.
+    Text Title(Language language) const override;
+    Text Body(Language language) const override;
+    Text Font() const override;
+
+    // Writes the schema file from the controls.
+    void Save(TextView SchemaName, TextView filename);
+
+  private:
+    WindowControls c_;
+};
+
+}  // namespace lorekeep
