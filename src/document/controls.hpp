@@ -61,6 +61,22 @@ class FontBox {
     virtual void SetCurrentText(TextView text) = 0;
 };
 
+// The window's one file dialog, in its save form: the user picks an existing
+// file or types a new name. A chosen path that is empty means cancelled.
+class FileDialog {
+  public:
+    virtual ~FileDialog() = default;
+    virtual void SetDefaultExtension(TextView extension) = 0;
+    virtual void SetTitle(TextView title) = 0;
+    virtual void SetFilter(TextView description, TextView pattern) = 0;
+    // Modal; returns when the user has chosen or cancelled.
+    virtual void ShowSave() = 0;
+    // The chosen file's full path, and its name without the directory.
+    virtual Text FileName() const = 0;
+    virtual Text FileTitle() const = 0;
+    virtual void ClearFileName() = 0;
+};
+
 // Where Save reads the document's fields at the moment of saving: the title
 // and body boxes of each language and the font box.
 class DocumentSource {

@@ -18,4 +18,10 @@ inline constexpr std::u16string_view kColourOutOfRange =
     u"You must enter values between 0 and 255 for the RGB boxes.";
 inline constexpr std::u16string_view kColourOutOfRangeTitle = u"Error.";
 
+// The schema location dialog.
+inline constexpr std::u16string_view kLocationDialogTitle = u"Choose a schema location and name";
+inline constexpr std::u16string_view kSchemaFilterDescription = u"Schemas (*.sch)";
+inline constexpr std::u16string_view kSchemaFilterPattern = u"*.sch";
+inline constexpr std::u16string_view kSchemaDefaultExtension = u"sch";
+
 }  // namespace lorekeep::texts

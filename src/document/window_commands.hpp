@@ -4,6 +4,7 @@
 
 #include "document/controls.hpp"
 #include "document/date_stamp.hpp"
+#include "document/schema_reader.hpp"
 #include "markup/preview_pane.hpp"
 
 namespace lorekeep {
@@ -26,6 +27,7 @@ struct WindowControls {
     TextBox* txtName = nullptr;
     FontBox* cboFont = nullptr;
     MessageBox* messages = nullptr;
+    FileDialog* cd1 = nullptr;
     const Clock* clock = nullptr;
 };
 
@@ -51,6 +53,17 @@ class WindowCommands final : public DocumentSource {
 
     // Writes the schema file from the controls.
     void Save(TextView SchemaName, TextView filename);
+
+    // Reads a schema file into the controls.
+    void Load(TextView SchemaName, TextView filename);
+
+    // The file buttons: pick a location; save; load.
+    void cmdLoc_Click();
+    void cmdSave_Click();
+    void cmdLoad_Click();
+
+    // How strictly Load reads records (tests compare both ways).
+    ReaderOptions readerOptions;
 
   private:
     WindowControls c_;

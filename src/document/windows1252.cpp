@@ -31,6 +31,20 @@ int ByteFor(char16_t c) {
 
 }  // namespace
 
+Text DecodeWindows1252(std::string_view bytes) {
+    Text text;
+    text.reserve(bytes.size());
+    for (const char b : bytes) {
+        const auto byte = static_cast<unsigned char>(b);
+        if (byte >= 0x80 && byte <= 0x9F && kHighControls[byte - 0x80] != 0) {
+            text.push_back(kHighControls[byte - 0x80]);
+        } else {
+            text.push_back(static_cast<char16_t>(byte));
+        }
+    }
+    return text;
+}
+
 std::string EncodeWindows1252(TextView text) {
     std::string bytes;
     bytes.reserve(text.size());

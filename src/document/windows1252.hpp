@@ -13,4 +13,8 @@ namespace lorekeep {
 // character (a surrogate pair is one character).
 std::string EncodeWindows1252(TextView text);
 
+// The exact inverse: every byte becomes one character, the five undefined
+// bytes the control characters with their own numbers.
+Text DecodeWindows1252(std::string_view bytes);
+
 }  // namespace lorekeep

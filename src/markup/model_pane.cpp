@@ -71,6 +71,14 @@ void ModelPane::AlignSelection(Alignment alignment) {
               paragraphs_.begin() + static_cast<std::ptrdiff_t>(last + 1), alignment);
 }
 
+void ModelPane::ShowRendered(const RenderedPreview& preview) {
+    text_ = preview.text;
+    colours_ = ColourOfEachCharacter(preview);
+    paragraphs_ = preview.paragraphs;
+    selectionStart_ = std::min(preview.caret, text_.size());
+    selectionLength_ = std::min(preview.selectionLength, text_.size() - selectionStart_);
+}
+
 RenderedPreview ModelPane::Snapshot() const {
     RenderedPreview preview;
     preview.text = text_;

@@ -17,6 +17,8 @@ class ModelPane final : public PreviewPane {
     void SelectToEnd(std::size_t offset) override;
     void ColourSelection(Rgb colour) override;
     void AlignSelection(Alignment alignment) override;
+    // Takes the finished preview over as it is.
+    void ShowRendered(const RenderedPreview& preview) override;
 
     // What the pane shows, in the same form as a rendered preview.
     RenderedPreview Snapshot() const;

@@ -49,7 +49,9 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent) {
     CreateControls();
     SetFocusOrder();
     messageBox_ = std::make_unique<QtMessageBox>(this);
-    commands_ = std::make_unique<WindowCommands>(ControlInterfaces());
+    cd1_ = std::make_unique<QtFileDialog>(this);
+    controls_ = ControlInterfaces();
+    commands_ = std::make_unique<WindowCommands>(controls_);
     ConnectEvents();
     txtLoc->setFocus(Qt::OtherFocusReason);
 }
@@ -209,6 +211,7 @@ WindowControls frmMain::ControlInterfaces() {
     fontBox_ = std::make_unique<ComboBoxControl>(cboFont);
     c.cboFont = fontBox_.get();
     c.messages = messageBox_.get();
+    c.cd1 = cd1_.get();
     c.clock = &clock_;
     return c;
 }
@@ -217,6 +220,9 @@ void frmMain::ConnectEvents() {
     for (int k = 0; k < kRichTextBoxCount; ++k) {
         connect(rtbText[k], &QTextEdit::textChanged, this, [this, k] { rtbText_Change(k); });
     }
+    connect(cmdLoc, &QPushButton::clicked, this, [this] { commands_->cmdLoc_Click(); });
+    connect(cmdSave, &QPushButton::clicked, this, [this] { commands_->cmdSave_Click(); });
+    connect(cmdLoad, &QPushButton::clicked, this, [this] { commands_->cmdLoad_Click(); });
     // Ctrl+Tab and Ctrl+Shift+Tab step through the pages, as in any tabbed window.
     auto* next = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Tab), this);
     connect(next, &QShortcut::activated, tabMain, [this] { tabMain->cycle(1); });
@@ -234,12 +240,14 @@ void frmMain::Save(const QString& SchemaName, const QString& filename) {
     commands_->Save(FromQString(SchemaName), FromQString(filename));
 }
 
-void frmMain::setMessageBox(MessageBox* messages) {
-    commands_ = std::make_unique<WindowCommands>([&] {
-        WindowControls c = ControlInterfaces();
-        c.messages = messages;
-        return c;
-    }());
+void frmMain::Load(const QString& SchemaName, const QString& filename) {
+    commands_->Load(FromQString(SchemaName), FromQString(filename));
+}
+
+void frmMain::setDialogs(MessageBox* messages, FileDialog* dialog) {
+    controls_.messages = messages;
+    controls_.cd1 = dialog;
+    commands_ = std::make_unique<WindowCommands>(controls_);
 }
 
 }  // namespace lorekeep::ui

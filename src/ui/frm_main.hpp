@@ -34,8 +34,15 @@ class frmMain : public QWidget {
     // Writes the schema file folder/name.sch from the window's contents.
     void Save(const QString& SchemaName, const QString& filename);
 
-    // Replaces the message boxes (tests record them instead of showing them).
-    void setMessageBox(MessageBox* messages);
+    // Reads the schema file folder/name.sch into the window.
+    void Load(const QString& SchemaName, const QString& filename);
+
+    // Replaces the message boxes and the file dialog (tests answer them
+    // instead of a user). Also starts the window's command state afresh.
+    void setDialogs(MessageBox* messages, FileDialog* dialog);
+
+    // The window's behaviour, for tests that look at its state.
+    WindowCommands& commands() { return *commands_; }
 
     // Controls, by the window's own names.
     QGroupBox* Frame1;
@@ -78,7 +85,9 @@ class frmMain : public QWidget {
     std::vector<std::unique_ptr<Button>> buttons_;
     std::unique_ptr<FontBox> fontBox_;
     std::unique_ptr<QtMessageBox> messageBox_;
+    std::unique_ptr<QtFileDialog> cd1_;
     SystemClock clock_;
+    WindowControls controls_;
     std::unique_ptr<WindowCommands> commands_;
 };
 

@@ -1,5 +1,6 @@
 #include "ui/qt_controls.hpp"
 
+#include <QFileInfo>
 #include <QMessageBox>
 
 #include "ui/qt_text.hpp"
@@ -37,6 +38,56 @@ Text ComboBoxControl::CurrentText() const {
 void ComboBoxControl::SetCurrentText(TextView text) {
     box_->setCurrentIndex(-1);
     box_->setEditText(ToQString(text));
+}
+
+QtFileDialog::QtFileDialog(QWidget* parent) : parent_(parent) {}
+
+QFileDialog* QtFileDialog::dialog() {
+    if (dialog_ == nullptr) {
+        dialog_ = new QFileDialog(parent_);
+        dialog_->setObjectName(QStringLiteral("cd1"));
+        dialog_->setAcceptMode(QFileDialog::AcceptSave);
+        dialog_->setFileMode(QFileDialog::AnyFile);
+        // Choosing an existing file is how a schema is picked for loading
+        // too: no question about replacing it.
+        dialog_->setOption(QFileDialog::DontConfirmOverwrite);
+    }
+    return dialog_;
+}
+
+void QtFileDialog::SetDefaultExtension(TextView extension) {
+    dialog()->setDefaultSuffix(ToQString(extension));
+}
+
+void QtFileDialog::SetTitle(TextView title) {
+    dialog()->setWindowTitle(ToQString(title));
+}
+
+void QtFileDialog::SetFilter(TextView description, TextView pattern) {
+    // Qt reads the pattern from the parentheses of the description; add it
+    // when the description does not carry it.
+    QString filter = ToQString(description);
+    const QString wildcard = ToQString(pattern);
+    if (!filter.contains(wildcard)) {
+        filter += QStringLiteral(" (%1)").arg(wildcard);
+    }
+    dialog()->setNameFilter(filter);
+}
+
+void QtFileDialog::ShowSave() {
+    QFileDialog* d = dialog();
+    d->selectFile(QString());
+    if (d->exec() == QDialog::Accepted && !d->selectedFiles().isEmpty()) {
+        chosen_ = d->selectedFiles().constFirst();
+    }
+}
+
+Text QtFileDialog::FileTitle() const {
+    return FromQ(QFileInfo(chosen_).fileName());
+}
+
+Text QtFileDialog::FromQ(const QString& text) {
+    return FromQString(text);
 }
 
 void QtMessageBox::ShowMessage(TextView text, TextView title) {

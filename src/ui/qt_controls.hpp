@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -43,6 +44,28 @@ class ComboBoxControl final : public FontBox {
 
   private:
     QComboBox* box_;
+};
+
+// The window's one file dialog, shown in its save form.
+class QtFileDialog final : public FileDialog {
+  public:
+    explicit QtFileDialog(QWidget* parent);
+    void SetDefaultExtension(TextView extension) override;
+    void SetTitle(TextView title) override;
+    void SetFilter(TextView description, TextView pattern) override;
+    void ShowSave() override;
+    Text FileName() const override { return FromQ(chosen_); }
+    Text FileTitle() const override;
+    void ClearFileName() override { chosen_.clear(); }
+
+    // Made on first use (it is costly to build) and kept for the window's life.
+    QFileDialog* dialog();
+
+  private:
+    static Text FromQ(const QString& text);
+    QWidget* parent_;
+    QFileDialog* dialog_ = nullptr;
+    QString chosen_;
 };
 
 // Modal, one OK button, no icon.

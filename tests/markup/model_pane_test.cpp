@@ -108,7 +108,7 @@ TEST(ModelPane, ShowRenderedThroughThePrimitiveOperationsReproducesThePreview) {
     preview.selectionLength = 3;
     ModelPane pane;
     pane.SetText(u"old text, replaced");
-    pane.ShowRendered(preview);
+    pane.PreviewPane::ShowRendered(preview);
     EXPECT_EQ(pane.Snapshot(), preview);
 }
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "markup/model_pane.hpp"
 #include "support/marker_soup.hpp"
 #include "support/render_helpers.hpp"
 
@@ -16,11 +17,13 @@ using testing::RenderWithReference;
 constexpr std::uint32_t kSeed = 20261122;
 
 ::testing::AssertionResult RenderersAgree(const Text& body) {
-    RenderedPreview program;
-    RenderedPreview direct = modSchemaParse::RenderPreview(body);
-    program = RenderWithProgram(body);
+    const RenderedPreview direct = modSchemaParse::RenderPreview(body);
+    const RenderedPreview program = RenderWithProgram(body);
     const RenderedPreview reference = RenderWithReference(body);
-    if (program == reference && direct == reference) {
+    // A pane that knows only the primitive operations shows the same.
+    ModelPane primitive;
+    primitive.PreviewPane::ShowRendered(direct);
+    if (program == reference && direct == reference && primitive.Snapshot() == reference) {
         return ::testing::AssertionSuccess();
     }
     auto failure = ::testing::AssertionFailure() << "body \"" << Escaped(body) << "\"\n";
@@ -30,7 +33,8 @@ constexpr std::uint32_t kSeed = 20261122;
             << program.selectionLength << "\n";
     failure << " colours " << (program.colours == reference.colours ? "agree" : "differ")
             << ", paragraphs " << (program.paragraphs == reference.paragraphs ? "agree" : "differ")
-            << ", direct result " << (direct == program ? "agrees" : "differs");
+            << ", direct result " << (direct == program ? "agrees" : "differs")
+            << ", primitive pane " << (primitive.Snapshot() == reference ? "agrees" : "differs");
     return failure;
 }
 
