@@ -46,6 +46,25 @@ class WindowCommands final : public DocumentSource {
     // language's preview; a preview pane's own changes do nothing.
     void rtbText_Change(int Index);
 
+    // A character typed into rich-text box Index (0..7), before it is
+    // inserted. Enter (13) writes a break marker instead and is suppressed by
+    // setting the code to 0; every other code passes unchanged.
+    void rtbText_KeyPress(int Index, int& KeyAscii);
+
+    // Splices a marker into editor Index at the caret, gives the editor the
+    // focus and puts the caret directly behind the marker.
+    void InsertAtCaret(int Index, TextView marker);
+
+    // The marker buttons of language Index.
+    void cmdLeftJus_Click(int Index);
+    void cmdCent_Click(int Index);
+    void cmdRightJus_Click(int Index);
+    void cmdColor_Click(int Index);
+    void cmdOK_Click(int Index);
+
+    // Copies body Index over the other three.
+    void cmdCopy_Click(int Index);
+
     // Reads the document from the controls, for Save.
     Text Title(Language language) const override;
     Text Body(Language language) const override;
@@ -65,7 +84,19 @@ class WindowCommands final : public DocumentSource {
     // How strictly Load reads records (tests compare both ways).
     ReaderOptions readerOptions;
 
+    // Per language: which justification was switched on last, and whether
+    // the Colour button stands open. All false at start; nothing resets them.
+    std::array<bool, kLanguageCount> LeftJusOn{};
+    std::array<bool, kLanguageCount> CentOn{};
+    std::array<bool, kLanguageCount> RightJusOn{};
+    std::array<bool, kLanguageCount> ColorOn{};
+
   private:
+    using Flags = std::array<bool, kLanguageCount>;
+    // One justification button: flips its own flag and, when that switches it
+    // on, clears the first of the other two that is set and writes its marker.
+    void Justify(int Index, Flags& own, Flags& firstOther, Flags& secondOther, TextView marker);
+
     WindowControls c_;
 };
 

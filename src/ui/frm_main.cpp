@@ -219,6 +219,15 @@ WindowControls frmMain::ControlInterfaces() {
 void frmMain::ConnectEvents() {
     for (int k = 0; k < kRichTextBoxCount; ++k) {
         connect(rtbText[k], &QTextEdit::textChanged, this, [this, k] { rtbText_Change(k); });
+        rtbText[k]->onCharacterTyped = [this, k](int& code) { rtbText_KeyPress(k, code); };
+    }
+    for (int i = 0; i < kLanguageCount; ++i) {
+        connect(cmdLeftJus[i], &QPushButton::clicked, this, [this, i] { cmdLeftJus_Click(i); });
+        connect(cmdCent[i], &QPushButton::clicked, this, [this, i] { cmdCent_Click(i); });
+        connect(cmdRightJus[i], &QPushButton::clicked, this, [this, i] { cmdRightJus_Click(i); });
+        connect(cmdColor[i], &QPushButton::clicked, this, [this, i] { cmdColor_Click(i); });
+        connect(cmdOK[i], &QPushButton::clicked, this, [this, i] { cmdOK_Click(i); });
+        connect(cmdCopy[i], &QPushButton::clicked, this, [this, i] { cmdCopy_Click(i); });
     }
     connect(cmdLoc, &QPushButton::clicked, this, [this] { commands_->cmdLoc_Click(); });
     connect(cmdSave, &QPushButton::clicked, this, [this] { commands_->cmdSave_Click(); });
@@ -234,6 +243,27 @@ void frmMain::ConnectEvents() {
 
 void frmMain::rtbText_Change(int Index) {
     commands_->rtbText_Change(Index);
+}
+void frmMain::rtbText_KeyPress(int Index, int& KeyAscii) {
+    commands_->rtbText_KeyPress(Index, KeyAscii);
+}
+void frmMain::cmdLeftJus_Click(int Index) {
+    commands_->cmdLeftJus_Click(Index);
+}
+void frmMain::cmdCent_Click(int Index) {
+    commands_->cmdCent_Click(Index);
+}
+void frmMain::cmdRightJus_Click(int Index) {
+    commands_->cmdRightJus_Click(Index);
+}
+void frmMain::cmdColor_Click(int Index) {
+    commands_->cmdColor_Click(Index);
+}
+void frmMain::cmdOK_Click(int Index) {
+    commands_->cmdOK_Click(Index);
+}
+void frmMain::cmdCopy_Click(int Index) {
+    commands_->cmdCopy_Click(Index);
 }
 
 void frmMain::Save(const QString& SchemaName, const QString& filename) {

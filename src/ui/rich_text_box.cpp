@@ -233,6 +233,12 @@ markup::Alignment RichTextBox::ParagraphAlignment(int paragraph) const {
 }
 
 void RichTextBox::keyPressEvent(QKeyEvent* event) {
+    // Redo answers Ctrl+Y as well as the platform's own keys (Ctrl+Shift+Z).
+    if (event->key() == Qt::Key_Y && event->modifiers() == Qt::ControlModifier) {
+        redo();
+        event->accept();
+        return;
+    }
     const QString typed = event->text();
     const bool isCharacter = typed.size() == 1 && (typed[0].isPrint() || typed[0] == u'\r' ||
                                                    typed[0] == u'\n' || typed[0] == u'\t');
