@@ -233,31 +233,64 @@ std::optional<Text> ReadLanguageBlock(TextView record, int i, FontBox& font, Tex
     return Text(remainder.substr(0, remainder.size() - 1));
 }
 
+namespace {
+
+// Both passes; false on any failure, after which the window may hold the
+// languages that were already taken apart.
+bool ReadIntoWindow(std::string_view bytes, const LoadTargets& targets,
+                    const ReaderOptions& options) {
+    // Nothing in the window changes until the whole file has been read.
+    const auto records = CollectRecords(DecodeWindows1252(bytes));
+    if (!records) {
+        return false;
+    }
+    for (int i = 0; i < kLanguageCount; ++i) {
+        const auto body =
+            ReadLanguageBlock((*records)[i], i, *targets.font, *targets.titles[i], options);
+        if (!body) {
+            return false;
+        }
+        // Raises the editor's change notification: its preview follows
+        // before the next language is taken apart.
+        targets.editors[i]->SetPlainText(*body);
+    }
+    return true;
+}
+
+bool Fail(const LoadTargets& targets) {
+    targets.messages->ShowMessage(texts::kLoadFailed, texts::kProgramTitle);
+    return false;
+}
+
+}  // namespace
+
+bool LoadFromBytes(std::string_view bytes, const LoadTargets& targets,
+                   const ReaderOptions& options) {
+    bool loaded = false;
+    try {
+        loaded = ReadIntoWindow(bytes, targets, options);
+    } catch (...) {
+        // Out of memory on a huge file, or a control that failed: the same
+        // single message as any other failure.
+        loaded = false;
+    }
+    return loaded || Fail(targets);
+}
+
 void Load(TextView SchemaName, TextView filename, const LoadTargets& targets,
           const ReaderOptions& options) {
+    std::string bytes;
+    bool read = false;
     try {
-        std::string bytes;
-        if (!ReadFileBytes(ToUtf8(SchemaPath(filename, SchemaName)), bytes)) {
-            throw std::runtime_error("cannot read the file");
-        }
-        // Nothing in the window changes until the whole file has been read.
-        const auto records = CollectRecords(DecodeWindows1252(bytes));
-        if (!records) {
-            throw std::runtime_error("not a schema file");
-        }
-        for (int i = 0; i < kLanguageCount; ++i) {
-            const auto body =
-                ReadLanguageBlock((*records)[i], i, *targets.font, *targets.titles[i], options);
-            if (!body) {
-                throw std::runtime_error("unreadable record");
-            }
-            // Raises the editor's change notification: its preview follows
-            // before the next language is taken apart.
-            targets.editors[i]->SetPlainText(*body);
-        }
+        read = ReadFileBytes(ToUtf8(SchemaPath(filename, SchemaName)), bytes);
     } catch (...) {
-        targets.messages->ShowMessage(texts::kLoadFailed, texts::kProgramTitle);
+        read = false;
     }
+    if (!read) {
+        Fail(targets);
+        return;
+    }
+    LoadFromBytes(bytes, targets, options);
 }
 
 }  // namespace lorekeep

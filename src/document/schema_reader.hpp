@@ -66,4 +66,9 @@ struct LoadTargets {
 void Load(TextView SchemaName, TextView filename, const LoadTargets& targets,
           const ReaderOptions& options = {});
 
+// The same for a file's bytes already in memory. Returns false when the load
+// failed (its one message has then been shown).
+bool LoadFromBytes(std::string_view bytes, const LoadTargets& targets,
+                   const ReaderOptions& options = {});
+
 }  // namespace lorekeep

@@ -1,0 +1,57 @@
+// Time from process start to the first shown window: the editor against a
+// minimal Qt Widgets program with one empty window of the same size. Each
+// iteration starts the program afresh and waits for it to end, which it does
+// as soon as its window is up (Qt's offscreen platform, no display needed).
+#include <benchmark/benchmark.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+extern char** environ;
+
+namespace {
+
+void RunOnce(const char* program, benchmark::State& state) {
+    std::vector<std::string> env{"QT_QPA_PLATFORM=offscreen"};
+    for (char** e = environ; *e != nullptr; ++e) {
+        if (std::string(*e).rfind("QT_QPA_PLATFORM=", 0) != 0) {
+            env.emplace_back(*e);
+        }
+    }
+    std::vector<char*> envp;
+    for (auto& entry : env) {
+        envp.push_back(entry.data());
+    }
+    envp.push_back(nullptr);
+    char* argv[] = {const_cast<char*>(program), nullptr};
+    pid_t pid = 0;
+    if (posix_spawn(&pid, program, nullptr, nullptr, argv, envp.data()) != 0) {
+        state.SkipWithError("cannot start the program");
+        return;
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+        state.SkipWithError("the program failed");
+    }
+}
+
+void BM_StartupMinimalWindow(benchmark::State& state) {
+    for (auto _ : state) {
+        RunOnce(LOREKEEP_STARTUP_MINIMAL, state);
+    }
+}
+
+void BM_StartupEditor(benchmark::State& state) {
+    for (auto _ : state) {
+        RunOnce(LOREKEEP_STARTUP_EDITOR, state);
+    }
+}
+
+BENCHMARK(BM_StartupMinimalWindow)->Unit(benchmark::kMillisecond)->MinTime(3.0)->UseRealTime();
+BENCHMARK(BM_StartupEditor)->Unit(benchmark::kMillisecond)->MinTime(3.0)->UseRealTime();
+
+}  // namespace

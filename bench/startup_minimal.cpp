@@ -1,0 +1,13 @@
+// The least a Qt Widgets program can do: one empty window of the editor's
+// size, shown, and the process ends as soon as it is up.
+#include <QApplication>
+#include <QWidget>
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QWidget window;
+    window.setFixedSize(421, 471);
+    window.show();
+    QMetaObject::invokeMethod(&app, &QApplication::quit, Qt::QueuedConnection);
+    return QApplication::exec();
+}
