@@ -45,13 +45,7 @@ void BM_Load(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         auto w = std::make_unique<lorekeep::testing::FakeWindow>();
-        lorekeep::LoadTargets targets;
-        for (int i = 0; i < kLanguageCount; ++i) {
-            targets.editors[i] = &w->rtbText[i];
-            targets.titles[i] = &w->txtTitle[i];
-        }
-        targets.font = &w->cboFont;
-        targets.messages = &w->messages;
+        const lorekeep::LoadTargets targets = w->LoadTargetsOf();
         state.ResumeTiming();
         if (!lorekeep::LoadFromBytes(file, targets)) {
             state.SkipWithError("the file did not load");

@@ -10,13 +10,7 @@ using namespace lorekeep;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     testing::FakeWindow w;
-    LoadTargets targets;
-    for (int i = 0; i < kLanguageCount; ++i) {
-        targets.editors[i] = &w.rtbText[i];
-        targets.titles[i] = &w.txtTitle[i];
-    }
-    targets.font = &w.cboFont;
-    targets.messages = &w.messages;
+    const LoadTargets targets = w.LoadTargetsOf();
     const bool loaded =
         LoadFromBytes(std::string_view(reinterpret_cast<const char*>(data), size), targets);
     if (loaded != w.messages.shown.empty() || w.messages.shown.size() > 1) {

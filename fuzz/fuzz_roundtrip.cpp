@@ -39,13 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     doc.name = u"fuzz";
 
     testing::FakeWindow w;
-    LoadTargets targets;
-    for (int i = 0; i < kLanguageCount; ++i) {
-        targets.editors[i] = &w.rtbText[i];
-        targets.titles[i] = &w.txtTitle[i];
-    }
-    targets.font = &w.cboFont;
-    targets.messages = &w.messages;
+    const LoadTargets targets = w.LoadTargetsOf();
     const std::string bytes = ComposeSchemaBytes(doc, LocalDateTime{2005, 3, 14, 14, 5, 9});
     const bool loaded = LoadFromBytes(bytes, targets);
 

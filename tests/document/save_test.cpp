@@ -16,6 +16,7 @@
 #include "support/fakes.hpp"
 #include "support/temp_dir.hpp"
 #include "support/test_text.hpp"
+#include "support/worked_example.hpp"
 
 namespace lorekeep {
 namespace {
@@ -26,17 +27,9 @@ using testing::ReadBytes;
 using testing::RecordingMessageBox;
 using testing::SteppingClock;
 using testing::T;
+using testing::WorkedExample;
+constexpr LocalDateTime kStamp = testing::kWorkedStamp;
 using testing::TempDir;
-
-constexpr LocalDateTime kStamp{2005, 3, 14, 14, 5, 9};
-
-SchemaDocument WorkedExample() {
-    SchemaDocument doc;
-    doc.font = u"Papyrus14";
-    doc.entry(Language::English) = {u"The Tower", u"Hello\\n<br>\\nWorld"};
-    doc.entry(Language::Italian) = {u"La Torre", u"Ciao"};
-    return doc;
-}
 
 void WriteBytes(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;

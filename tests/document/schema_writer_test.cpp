@@ -5,24 +5,16 @@
 
 #include "document/schema_writer.hpp"
 #include "support/test_text.hpp"
+#include "support/worked_example.hpp"
 
 namespace lorekeep {
 namespace {
 
 using testing::DataPath;
+using testing::kWorkedStamp;
 using testing::ReadBytes;
 using testing::T;
-
-constexpr LocalDateTime kWorkedStamp{2005, 3, 14, 14, 5, 9};
-
-SchemaDocument WorkedExample() {
-    SchemaDocument doc;
-    doc.name = u"The Tower";
-    doc.font = u"Papyrus14";
-    doc.entry(Language::English) = {u"The Tower", u"Hello\\n<br>\\nWorld"};
-    doc.entry(Language::Italian) = {u"La Torre", u"Ciao"};
-    return doc;
-}
+using testing::WorkedExample;
 
 std::vector<Text> SplitCrLf(const Text& file) {
     std::vector<Text> lines;

@@ -161,6 +161,18 @@ struct FakeWindow {
         return c;
     }
 
+    // What Load fills: the editors, titles and font box, and the message box.
+    LoadTargets LoadTargetsOf() {
+        LoadTargets targets;
+        for (int i = 0; i < kLanguageCount; ++i) {
+            targets.editors[i] = &rtbText[i];
+            targets.titles[i] = &txtTitle[i];
+        }
+        targets.font = &cboFont;
+        targets.messages = &messages;
+        return targets;
+    }
+
     // Titles, bodies and the font as the window shows them.
     SchemaDocument Document() const {
         SchemaDocument doc;
