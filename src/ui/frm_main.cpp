@@ -1,5 +1,7 @@
 #include "ui/frm_main.hpp"
 
+#include <QAbstractScrollArea>
+#include <QHelpEvent>
 #include <QKeySequence>
 #include <QShortcut>
 
@@ -47,6 +49,7 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent) {
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                    Qt::WindowCloseButtonHint);
     CreateControls();
+    SilenceInheritedTooltips();
     SetFocusOrder();
     messageBox_ = std::make_unique<QtMessageBox>(this);
     cd1_ = std::make_unique<QtFileDialog>(this);
@@ -162,6 +165,37 @@ void frmMain::CreatePreviewPage(int i) {
     if (!layout::kPreviewTips[i].empty()) {
         rtbText[k]->setToolTip(ToQString(layout::kPreviewTips[i]));
     }
+}
+
+void frmMain::SilenceInheritedTooltips() {
+    // The named controls only: the tab container's own parts (its strip and
+    // the page area) rightly show the container's tooltip.
+    for (QWidget* control : findChildren<QWidget*>()) {
+        if (control->objectName().isEmpty() || control == tabMain) {
+            continue;
+        }
+        control->installEventFilter(this);
+        if (auto* scrollArea = qobject_cast<QAbstractScrollArea*>(control)) {
+            scrollArea->viewport()->installEventFilter(this);
+        }
+    }
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        auto* widget = qobject_cast<QWidget*>(watched);
+        auto* area = widget != nullptr ? qobject_cast<QAbstractScrollArea*>(widget->parentWidget())
+                                       : nullptr;
+        if (area != nullptr && area->viewport() == widget) {
+            widget = area;  // a text box's viewport speaks for its box
+        }
+        if (widget != nullptr && widget->toolTip().isEmpty()) {
+            // Accepted, so that it goes no further up to the container.
+            event->accept();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void frmMain::SetFocusOrder() {

@@ -69,8 +69,14 @@ class frmMain : public QWidget {
     std::array<QLabel*, kLanguageCount> Label3{};
     std::array<QLabel*, kLanguageCount * kColourBoxesPerLanguage> Label5{};
 
+  protected:
+    // Keeps a control without a tooltip of its own from showing the tooltip
+    // of the container it stands in.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void CreateControls();
+    void SilenceInheritedTooltips();
     void CreateLanguagePage(int i);
     void CreatePreviewPage(int i);
     void SetFocusOrder();

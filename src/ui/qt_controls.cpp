@@ -51,6 +51,9 @@ QFileDialog* QtFileDialog::dialog() {
         // Choosing an existing file is how a schema is picked for loading
         // too: no question about replacing it.
         dialog_->setOption(QFileDialog::DontConfirmOverwrite);
+        // Qt's own dialog everywhere: a desktop's native one may ignore the
+        // default extension that completes a typed name.
+        dialog_->setOption(QFileDialog::DontUseNativeDialog);
     }
     return dialog_;
 }

@@ -242,8 +242,11 @@ void RichTextBox::keyPressEvent(QKeyEvent* event) {
     const QString typed = event->text();
     const bool isCharacter = typed.size() == 1 && (typed[0].isPrint() || typed[0] == u'\r' ||
                                                    typed[0] == u'\n' || typed[0] == u'\t');
-    if (!isCharacter || !onCharacterTyped ||
-        event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) {
+    // Every key that delivers a carriage return counts as Enter, whatever is
+    // held with it; other characters typed with Ctrl or Alt are shortcuts.
+    const bool enter = isCharacter && typed[0] == u'\r';
+    const bool shortcut = event->modifiers() & (Qt::ControlModifier | Qt::AltModifier);
+    if (!isCharacter || !onCharacterTyped || (shortcut && !enter)) {
         QTextEdit::keyPressEvent(event);
         return;
     }

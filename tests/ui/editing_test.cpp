@@ -69,6 +69,16 @@ class EditingTest : public QObject {
         QVERIFY(!Text(editor).contains('\n') && !Text(editor).contains('\r'));
     }
 
+    void enterWithModifiersIsStillABreakKey() {
+        RichTextBox* editor = window_->rtbText[0];
+        editor->setFocus();
+        for (auto modifiers : {Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier}) {
+            editor->SetPlainText(u"");
+            QTest::keyClick(editor, Qt::Key_Return, modifiers);
+            QCOMPARE(Text(editor), QStringLiteral("\\n<br>\\n"));
+        }
+    }
+
     void markerCanBeUndone() {
         frmMain& w = *window_;
         w.rtbText[1]->SetPlainText(u"Bonjour");

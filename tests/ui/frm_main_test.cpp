@@ -5,6 +5,7 @@
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTimer>
+#include <QToolTip>
 #include <QtTest>
 
 #include "markup/mod_schema_parse.hpp"
@@ -245,6 +246,44 @@ class FrmMainTest : public QObject {
         QCOMPARE(widget->toolTip(), tip);
     }
 
+    // What the user sees when resting the mouse on a control: its own tooltip,
+    // or none at all, never the tooltip of the container it stands in.
+    void tooltipsShown_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("page");
+        QTest::addColumn<QString>("shown");
+        const QString ingame = QStringLiteral("This is what your text will look like in-game");
+        QTest::newRow("German pane") << "rtbText(6)" << 6 << QString();
+        QTest::newRow("Italian pane") << "rtbText(7)" << 7 << QString();
+        QTest::newRow("English pane") << "rtbText(4)" << 4 << ingame;
+        QTest::newRow("title label") << "Label3(0)" << 0 << QString();
+        QTest::newRow("colour box") << "txtColor(0)" << 0 << QString();
+        QTest::newRow("editor")
+            << "rtbText(1)" << 1
+            << "Type your text here. This text will be modified and saved to the schema file. "
+               "You may add special syntax here manually.";
+        QTest::newRow("tab strip") << "strip" << 0 << ingame;
+    }
+    void tooltipsShown() {
+        QFETCH(QString, name);
+        QFETCH(int, page);
+        QFETCH(QString, shown);
+        frmMain& w = *window_;
+        w.tabMain->setCurrentIndex(page);
+        w.txtColor[0]->setEnabled(true);
+        QWidget* target = name == "strip" ? w.tabMain->strip() : Named(w, name);
+        QVERIFY(target);
+        if (auto* area = qobject_cast<QAbstractScrollArea*>(target)) {
+            target = area->viewport();
+        }
+        QToolTip::hideText();
+        const QPoint at(5, 5);
+        QHelpEvent help(QEvent::ToolTip, at, target->mapToGlobal(at));
+        QApplication::sendEvent(target, &help);
+        QCOMPARE(QToolTip::text(), shown);
+        QToolTip::hideText();
+    }
+
     void initialState() {
         frmMain& w = *window_;
         for (QLineEdit* box : w.txtColor) {
@@ -348,6 +387,12 @@ class FrmMainTest : public QObject {
         QCOMPARE(w.tabMain->currentIndex(), 0);
         QTest::keyClick(w.txtName, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
         QCOMPARE(w.tabMain->currentIndex(), 7);
+        // From inside an editor too, which keeps Ctrl+Tab for the pages.
+        w.tabMain->setCurrentIndex(1);
+        w.rtbText[1]->setFocus();
+        QTest::keyClick(w.rtbText[1], Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(w.tabMain->currentIndex(), 2);
+        QVERIFY(w.rtbText[1]->PlainText().find(u'\t') == std::u16string::npos);
     }
 
     // Typing into editor i refreshes pane i + 4 and no other.
