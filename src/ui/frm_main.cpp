@@ -59,7 +59,14 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent) {
     txtLoc->setFocus(Qt::OtherFocusReason);
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain() {
+    // The boxes outlive the window's behaviour by a moment while Qt deletes
+    // the children; nothing they say then may reach it.
+    for (RichTextBox* box : rtbText) {
+        box->disconnect(this);
+        box->onCharacterTyped = nullptr;
+    }
+}
 
 void frmMain::CreateControls() {
     Frame1 =
