@@ -244,6 +244,11 @@ bool ReadIntoWindow(std::string_view bytes, const LoadTargets& targets,
     if (!records) {
         return false;
     }
+    for (const Text& record : *records) {
+        if (options.maxRecordLength != 0 && record.size() > options.maxRecordLength) {
+            return false;
+        }
+    }
     for (int i = 0; i < kLanguageCount; ++i) {
         const auto body =
             ReadLanguageBlock((*records)[i], i, *targets.font, *targets.titles[i], options);

@@ -45,6 +45,9 @@ struct ReaderOptions {
     // Also recognise the layout that the writer produces, where separators
     // stand around the font and title tags and before the closing quote.
     bool acceptWriterLayout = true;
+    // A record longer than this fails the load before anything is shown
+    // (0: no limit). The window sets what its text boxes can lay out.
+    std::size_t maxRecordLength = 0;
 };
 
 // Takes one record apart: may select a font entry and set the title box of its

@@ -14,6 +14,12 @@ inline constexpr int kRichTextBoxCount = 8;
 inline constexpr int kPreviewIndexOffset = 4;
 inline constexpr int kColourBoxesPerLanguage = 3;
 
+// The longest body the window takes on. A body is one paragraph of its text
+// box, and the toolkit lays a paragraph out whole on every change: at four
+// million characters a keystroke already takes over a second, and some tens
+// of millions stall the window for many minutes.
+inline constexpr std::size_t kMaxBodyLength = 4'000'000;
+
 // Every control of the main window that a command reads or writes, by the
 // window's own names and indices.
 struct WindowControls {
@@ -81,8 +87,8 @@ class WindowCommands final : public DocumentSource {
     void cmdSave_Click();
     void cmdLoad_Click();
 
-    // How strictly Load reads records (tests compare both ways).
-    ReaderOptions readerOptions;
+    // How Load reads records (tests compare the layouts both ways).
+    ReaderOptions readerOptions{true, kMaxBodyLength};
 
     // Per language: which justification was switched on last, and whether
     // the Colour button stands open. All false at start; nothing resets them.

@@ -1,9 +1,12 @@
 #include "ui/rich_text_box.hpp"
 
+#include <QApplication>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QTextBlock>
 #include <QTextDocument>
 
+#include "document/window_commands.hpp"
 #include "ui/qt_text.hpp"
 
 namespace lorekeep::ui {
@@ -230,6 +233,15 @@ markup::Alignment RichTextBox::ParagraphAlignment(int paragraph) const {
         return markup::Alignment::Centre;
     }
     return markup::Alignment::Left;
+}
+
+void RichTextBox::insertFromMimeData(const QMimeData* source) {
+    if (source != nullptr && source->hasText() &&
+        Length() + static_cast<std::size_t>(source->text().size()) > kMaxBodyLength) {
+        QApplication::beep();
+        return;
+    }
+    QTextEdit::insertFromMimeData(source);
 }
 
 void RichTextBox::keyPressEvent(QKeyEvent* event) {

@@ -48,6 +48,8 @@ class RichTextBox : public QTextEdit, public EditorBox, public markup::PreviewPa
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    // Plain text only, and never more than the box can lay out.
+    void insertFromMimeData(const QMimeData* source) override;
 
   private:
     std::size_t Length() const;

@@ -184,6 +184,30 @@ TEST_F(LoadTest, CommasAndContinuationLinesJoinTheRecord) {
     EXPECT_EQ(w_.rtbText[3].PlainText(), u"z\"tailen");
 }
 
+TEST_F(LoadTest, BodiesBeyondWhatTheWindowCanShowAreRefusedWhole) {
+    // A body is one paragraph of a text box: the window takes none longer
+    // than it can lay out, and refuses such a file before showing anything.
+    std::string file = "V\r\nT\r\nN\r\n";
+    file += "lang_english 2005-03-14 14:05:09 \"" + std::string(kMaxBodyLength, 'x') + "\"\r\n";
+    for (const char* key : {"lang_french ", "lang_german ", "lang_italian "}) {
+        file += std::string(key) + "2005-03-14 14:05:09 \"y\"\r\n";
+    }
+    WriteBytes(dir_ / "huge.sch", file);
+    FillWindow(w_);
+    const SchemaDocument before = w_.Document();
+    LoadFile("huge");
+    EXPECT_EQ(w_.messages.shown, kOneLoadFailure);
+    EXPECT_EQ(w_.Document(), before);
+
+    // Just within the limit, the same file loads.
+    file.erase(file.find('x'), 100);
+    WriteBytes(dir_ / "large.sch", file);
+    FakeWindow w;
+    w.commands.Load(u"large", T(dir_.path()));
+    EXPECT_TRUE(w.messages.shown.empty());
+    EXPECT_EQ(w.rtbText[0].PlainText().size(), kMaxBodyLength - 100);
+}
+
 TEST_F(LoadTest, BytesOfTheCodePageComeBackAsCharacters) {
     std::string file = "V\r\nT\r\nN\r\n";
     const std::string high = "\x80\x81\x8D\x8F\x90\x9D\x9F\xE9\xFF";

@@ -495,6 +495,16 @@ class FrmMainTest : public QObject {
         QVERIFY(!box->toHtml().contains("color:"));
     }
 
+    void pastingMoreThanABodyCanHoldIsRefused() {
+        RichTextBox* box = window_->rtbText[0];
+        box->SetPlainText(u"kept");
+        auto* mime = new QMimeData;
+        mime->setText(QString(static_cast<qsizetype>(lorekeep::kMaxBodyLength), QChar('x')));
+        QApplication::clipboard()->setMimeData(mime);
+        box->paste();
+        QCOMPARE(box->PlainText(), std::u16string(u"kept"));
+    }
+
     void typedCharactersAreOfferedBeforeInsertion() {
         RichTextBox* box = window_->rtbText[4];
         QList<int> offered;
