@@ -259,16 +259,24 @@ WindowControls frmMain::ControlInterfaces() {
 
 void frmMain::ConnectEvents() {
     for (int k = 0; k < kRichTextBoxCount; ++k) {
-        connect(rtbText[k], &QTextEdit::textChanged, this, [this, k] { rtbText_Change(k); });
-        rtbText[k]->onCharacterTyped = [this, k](int& code) { rtbText_KeyPress(k, code); };
+        connect(rtbText[k], &QTextEdit::textChanged, this,
+                [this, k] { commands_->rtbText_Change(k); });
+        rtbText[k]->onCharacterTyped = [this, k](int& code) {
+            commands_->rtbText_KeyPress(k, code);
+        };
     }
     for (int i = 0; i < kLanguageCount; ++i) {
-        connect(cmdLeftJus[i], &QPushButton::clicked, this, [this, i] { cmdLeftJus_Click(i); });
-        connect(cmdCent[i], &QPushButton::clicked, this, [this, i] { cmdCent_Click(i); });
-        connect(cmdRightJus[i], &QPushButton::clicked, this, [this, i] { cmdRightJus_Click(i); });
-        connect(cmdColor[i], &QPushButton::clicked, this, [this, i] { cmdColor_Click(i); });
-        connect(cmdOK[i], &QPushButton::clicked, this, [this, i] { cmdOK_Click(i); });
-        connect(cmdCopy[i], &QPushButton::clicked, this, [this, i] { cmdCopy_Click(i); });
+        connect(cmdLeftJus[i], &QPushButton::clicked, this,
+                [this, i] { commands_->cmdLeftJus_Click(i); });
+        connect(cmdCent[i], &QPushButton::clicked, this,
+                [this, i] { commands_->cmdCent_Click(i); });
+        connect(cmdRightJus[i], &QPushButton::clicked, this,
+                [this, i] { commands_->cmdRightJus_Click(i); });
+        connect(cmdColor[i], &QPushButton::clicked, this,
+                [this, i] { commands_->cmdColor_Click(i); });
+        connect(cmdOK[i], &QPushButton::clicked, this, [this, i] { commands_->cmdOK_Click(i); });
+        connect(cmdCopy[i], &QPushButton::clicked, this,
+                [this, i] { commands_->cmdCopy_Click(i); });
     }
     connect(cmdLoc, &QPushButton::clicked, this, [this] { commands_->cmdLoc_Click(); });
     connect(cmdSave, &QPushButton::clicked, this, [this] { commands_->cmdSave_Click(); });
@@ -280,31 +288,6 @@ void frmMain::ConnectEvents() {
     connect(previous, &QShortcut::activated, tabMain, [this] { tabMain->cycle(-1); });
     auto* previousAlt = new QShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab), this);
     connect(previousAlt, &QShortcut::activated, tabMain, [this] { tabMain->cycle(-1); });
-}
-
-void frmMain::rtbText_Change(int Index) {
-    commands_->rtbText_Change(Index);
-}
-void frmMain::rtbText_KeyPress(int Index, int& KeyAscii) {
-    commands_->rtbText_KeyPress(Index, KeyAscii);
-}
-void frmMain::cmdLeftJus_Click(int Index) {
-    commands_->cmdLeftJus_Click(Index);
-}
-void frmMain::cmdCent_Click(int Index) {
-    commands_->cmdCent_Click(Index);
-}
-void frmMain::cmdRightJus_Click(int Index) {
-    commands_->cmdRightJus_Click(Index);
-}
-void frmMain::cmdColor_Click(int Index) {
-    commands_->cmdColor_Click(Index);
-}
-void frmMain::cmdOK_Click(int Index) {
-    commands_->cmdOK_Click(Index);
-}
-void frmMain::cmdCopy_Click(int Index) {
-    commands_->cmdCopy_Click(Index);
 }
 
 void frmMain::Save(const QString& SchemaName, const QString& filename) {

@@ -83,16 +83,6 @@ class frmMain : public QWidget {
     void ConnectEvents();
     WindowControls ControlInterfaces();
 
-    // Event handlers, each with the index of the control that raised it.
-    void rtbText_Change(int Index);
-    void rtbText_KeyPress(int Index, int& KeyAscii);
-    void cmdLeftJus_Click(int Index);
-    void cmdCent_Click(int Index);
-    void cmdRightJus_Click(int Index);
-    void cmdColor_Click(int Index);
-    void cmdOK_Click(int Index);
-    void cmdCopy_Click(int Index);
-
     // Interface adaptors over the widgets above, and the window's behaviour.
     std::vector<std::unique_ptr<TextBox>> textBoxes_;
     std::vector<std::unique_ptr<Button>> buttons_;
