@@ -73,17 +73,6 @@ TEST(MarkerCommands, CenterOnAnEmptyEditorFocusesIt) {
     EXPECT_TRUE(w.commands.CentOn[0]);
 }
 
-TEST(MarkerCommands, SecondPressChangesNothing) {
-    FakeWindow w;
-    Prepare(w, 1, u"abc", 1);
-    w.commands.cmdCent_Click(1);
-    Prepare(w, 1, u"xyz", 2);
-    w.commands.cmdCent_Click(1);
-    EXPECT_EQ(w.rtbText[1].PlainText(), u"xyz");
-    EXPECT_EQ(w.rtbText[1].Caret(), 2u);
-    EXPECT_FALSE(w.rtbText[1].focused);
-}
-
 TEST(MarkerCommands, MarkerGoesAtTheCaretOrInFrontOfTheSelection) {
     FakeWindow w;
     Prepare(w, 2, u"Hello", 0);
@@ -164,14 +153,6 @@ TEST(ColourEntry, ColourTwiceWithoutOkThenOk) {
         {'C', "", "", "", true, true, "", false},                                      // A to B
         {'C', "", "", "", false, true, R"(\n<dc=0,0,0>\n)", false},                    // B to D
         {'O', "1", "2", "3", false, false, R"(\n<dc=0,0,0>\n\n<dc=1,2,3>\n)", false},  // D to A
-    });
-}
-
-TEST(ColourEntry, DToBWritesNothing) {
-    RunColourSteps({
-        {'C', "", "", "", true, true, "", false},
-        {'C', "", "", "", false, true, R"(\n<dc=0,0,0>\n)", false},
-        {'C', "", "", "", true, true, R"(\n<dc=0,0,0>\n)", false},
     });
 }
 
@@ -342,17 +323,6 @@ TEST(CopyCommand, CopiesTheBodyOverTheOtherThreeInOrder) {
         EXPECT_EQ(w.rtbText[4 + i].model.Snapshot(), modSchemaParse::RenderPreview(body)) << i;
     }
     EXPECT_EQ(w.rtbText[1].Caret(), 3u);  // the source is not touched
-}
-
-TEST(CopyCommand, CopyingAnEmptyBodyEmptiesTheOthers) {
-    FakeWindow w;
-    for (int i = 1; i < 4; ++i) {
-        w.rtbText[i].SetPlainText(u"something");
-    }
-    w.commands.cmdCopy_Click(0);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(w.rtbText[i].PlainText(), u"");
-    }
 }
 
 }  // namespace

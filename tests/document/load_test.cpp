@@ -208,18 +208,6 @@ TEST_F(LoadTest, BodiesBeyondWhatTheWindowCanShowAreRefusedWhole) {
     EXPECT_EQ(w.rtbText[0].PlainText().size(), kMaxBodyLength - 100);
 }
 
-TEST_F(LoadTest, BytesOfTheCodePageComeBackAsCharacters) {
-    std::string file = "V\r\nT\r\nN\r\n";
-    const std::string high = "\x80\x81\x8D\x8F\x90\x9D\x9F\xE9\xFF";
-    for (const char* key : {"lang_english ", "lang_french ", "lang_german ", "lang_italian "}) {
-        file += std::string(key) + "2005-03-14 14:05:09 \"" + high + "\"\r\n";
-    }
-    WriteBytes(dir_ / "s.sch", file);
-    LoadFile("s");
-    ASSERT_TRUE(w_.messages.shown.empty());
-    EXPECT_EQ(w_.rtbText[2].PlainText(), u"€\u0081\u008D\u008F\u0090\u009DŸéÿ");
-}
-
 // Documents of any text the format can carry (no comma, double quote, ">" or
 // line break), saved and loaded back, show exactly what was saved.
 class RoundTrip : public ::testing::Test {
@@ -364,23 +352,6 @@ TEST_F(FileCommands, FolderAndNameMustBothBeGiven) {
             EXPECT_EQ(w.Document(), before);
         }
     }
-}
-
-TEST_F(FileCommands, SaveAndLoadUseTheBoxes) {
-    w_.txtLoc.text = T(dir_.path());
-    w_.txtName.text = u"tower";
-    w_.rtbText[0].SetPlainText(u"body");
-    w_.commands.cmdSave_Click();
-    EXPECT_TRUE(w_.messages.shown.empty());
-    EXPECT_TRUE(std::filesystem::exists(dir_ / "tower.sch"));
-
-    FakeWindow other;
-    other.txtLoc.text = T(dir_.path() + "/");
-    other.txtName.text = u"tower";
-    other.commands.cmdLoad_Click();
-    EXPECT_TRUE(other.messages.shown.empty());
-    EXPECT_EQ(other.rtbText[0].PlainText(), u"body");
-    EXPECT_EQ(other.txtLoc.text, T(dir_.path() + "/"));  // the boxes stay as they were
 }
 
 TEST_F(FileCommands, SpacesAreSomethingAndReachSave) {

@@ -80,16 +80,6 @@ TEST_F(SaveTest, ReadsTheClockOnceSoAllRecordsShareOneStamp) {
     EXPECT_EQ(count, 4u);
 }
 
-TEST_F(SaveTest, FolderEndingInASeparatorNamesTheSameDirectory) {
-    EXPECT_TRUE(SaveTo(dir_.path() + "/", "intro").empty());
-    EXPECT_TRUE(std::filesystem::is_regular_file(dir_ / "intro.sch"));
-}
-
-TEST_F(SaveTest, NameWithItsExtensionGetsItTwice) {
-    EXPECT_TRUE(SaveTo(dir_.path(), "intro.sch").empty());
-    EXPECT_EQ(ListDirectory(dir_.path()), std::set<std::string>{"intro.sch.sch"});
-}
-
 TEST_F(SaveTest, SavingAgainReplacesTheWholeFile) {
     SchemaDocument big = WorkedExample();
     big.entry(Language::German).body = Text(5000, u'x');

@@ -107,19 +107,6 @@ INSTANTIATE_TEST_SUITE_P(
                    Language::English, R"(\n<font=Papyrus14>\n\n<jc>\n\n<dc=1,2,3>\nX\n")"}),
     [](const auto& tc) { return std::string(tc.param.name); });
 
-TEST(SchemaWriter, HeaderLinesAndRecordOrderDoNotDependOnContent) {
-    SchemaDocument doc;
-    doc.name = u"intro, part 1";
-    const auto lines = SplitCrLf(ComposeSchemaText(doc, kWorkedStamp));
-    ASSERT_EQ(lines.size(), 7u);
-    EXPECT_EQ(lines[0], u"VERSION 2.0");
-    EXPECT_EQ(lines[1], u"TextEntry");
-    EXPECT_EQ(lines[2], u"intro, part 1");
-    for (Language language : kAllLanguages) {
-        EXPECT_TRUE(lines[3 + IndexOf(language)].starts_with(InfoOf(language).recordKey));
-    }
-}
-
 TEST(SchemaWriter, RealLineBreakInABodyIsWrittenUnchanged) {
     SchemaDocument doc;
     doc.font = u"F";

@@ -6,7 +6,6 @@ namespace lorekeep::markup {
 namespace {
 
 constexpr Rgb kRed{255, 0, 0};
-constexpr Rgb kBlue{0, 0, 255};
 
 // "abcdef" with its last three characters red.
 ModelPane HalfRed() {
@@ -44,16 +43,6 @@ TEST(ModelPane, InsertedCharactersTakeTheColourOfTheLastReplacedOne) {
     }
 }
 
-TEST(ModelPane, ColouringAnEmptySelectionColoursNothing) {
-    ModelPane pane;
-    pane.SetText(u"abc");
-    pane.SelectToEnd(3);
-    pane.ColourSelection(kBlue);
-    pane.SelectToEnd(99);
-    pane.ColourSelection(kBlue);
-    EXPECT_EQ(pane.colours(), std::vector<CharColour>(3));
-}
-
 TEST(ModelPane, ParagraphsSplitAndJoinKeepingTheFirstAlignment) {
     ModelPane pane;
     pane.SetText(u"a\rb\rc");
@@ -85,31 +74,6 @@ TEST(ModelPane, EmptySelectionAtTheEndAlignsTheLastParagraph) {
     pane.SelectToEnd(1);
     pane.AlignSelection(Alignment::Centre);
     EXPECT_EQ(pane.paragraphs(), (std::vector<Alignment>{Alignment::Centre, Alignment::Centre}));
-}
-
-TEST(ModelPane, CaretAndSelectionAreClampedToTheText) {
-    ModelPane pane;
-    pane.SetText(u"abc");
-    pane.PlaceCaret(7);
-    EXPECT_EQ(pane.caret(), 3u);
-    pane.SelectToEnd(1);
-    EXPECT_EQ(pane.selectionLength(), 2u);
-    pane.ReplaceText(0, 3, u"x");
-    EXPECT_EQ(pane.caret(), 1u);
-    EXPECT_EQ(pane.selectionLength(), 0u);
-}
-
-TEST(ModelPane, ShowRenderedThroughThePrimitiveOperationsReproducesThePreview) {
-    RenderedPreview preview;
-    preview.text = u"ab\rcd\ref";
-    preview.colours = {{0, CharColour{}}, {1, kRed}, {4, kBlue}};
-    preview.paragraphs = {Alignment::Centre, Alignment::Left, Alignment::Right};
-    preview.caret = 5;
-    preview.selectionLength = 3;
-    ModelPane pane;
-    pane.SetText(u"old text, replaced");
-    pane.PreviewPane::ShowRendered(preview);
-    EXPECT_EQ(pane.Snapshot(), preview);
 }
 
 }  // namespace

@@ -141,9 +141,5 @@ TEST(Renderer, TextsBeyondSixteenBitsRenderByTheSameRules) {
     EXPECT_EQ(r, RenderWithReference(body));
 }
 
-TEST(Renderer, ShownColourComesFromTheMarkerTable) {
-    EXPECT_EQ(ShownColour(u"1", u"22", u"333"), u"(R:1,G:22,B:333) ");
-}
-
 }  // namespace
 }  // namespace lorekeep::markup

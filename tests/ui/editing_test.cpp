@@ -90,18 +90,6 @@ class EditingTest : public QObject {
         QCOMPARE(Text(w.rtbText[5]), QStringLiteral("Bonjour"));
     }
 
-    void enterInAPreviewPaneRewritesOnlyThePane() {
-        frmMain& w = *window_;
-        w.rtbText[0]->SetPlainText(u"editor");
-        w.tabMain->setCurrentIndex(4);
-        RichTextBox* pane = w.rtbText[4];
-        pane->setFocus();
-        pane->SetCaret(99);
-        QTest::keyClick(pane, Qt::Key_Return);
-        QCOMPARE(Text(pane), QStringLiteral("editor\\n<br>\\n"));
-        QCOMPARE(Text(w.rtbText[0]), QStringLiteral("editor"));
-    }
-
     void colourEntryThroughTheBoxes() {
         frmMain& w = *window_;
         QTest::mouseClick(w.cmdColor[2], Qt::LeftButton);
@@ -124,20 +112,6 @@ class EditingTest : public QObject {
         QVERIFY(!w.cmdOK[2]->isEnabled());
         QCOMPARE(w.cmdColor[2]->palette().color(QPalette::Button), QColor(255, 128, 0));
         QCOMPARE(w.rtbText[6]->CharacterColour(0), QColor(255, 128, 0));
-    }
-
-    void refusedColourShowsTheMessage() {
-        frmMain& w = *window_;
-        QTest::mouseClick(w.cmdColor[0], Qt::LeftButton);
-        w.txtColor[1]->setText("256");
-        QTest::mouseClick(w.cmdOK[0], Qt::LeftButton);
-        QCOMPARE(messages_.shown.size(), std::size_t{1});
-        QCOMPARE(QString::fromStdU16String(messages_.shown[0].title), QStringLiteral("Error."));
-        QCOMPARE(QString::fromStdU16String(messages_.shown[0].text),
-                 QStringLiteral("You must enter values between 0 and 255 for the RGB boxes."));
-        QVERIFY(w.cmdOK[0]->isEnabled());
-        QCOMPARE(w.txtColor[1]->text(), QStringLiteral("256"));
-        QCOMPARE(Text(w.rtbText[0]), QString());
     }
 
     void copyCanBeUndoneInEachTarget() {

@@ -73,35 +73,6 @@ class FileCommandsTest : public QObject {
         QCOMPARE(window_->rtbText[4]->PlainText(), std::u16string(u"Hello\rWorld"));
     }
 
-    void missingFolderOrNameIsReported() {
-        RecordingMessageBox messages;
-        FakeFileDialog dialog;
-        window_->setDialogs(&messages, &dialog);
-        window_->txtName->setText("name");
-        window_->cmdSave->click();
-        window_->cmdLoad->click();
-        QCOMPARE(messages.shown.size(), std::size_t{2});
-        QCOMPARE(QString::fromStdU16String(messages.shown[0].text),
-                 QStringLiteral("You must enter a schema file folder and schema name"));
-        QCOMPARE(QString::fromStdU16String(messages.shown[1].title), QStringLiteral("Lorekeep"));
-    }
-
-    void publicSaveAndLoad() {
-        QTemporaryDir dir;
-        RecordingMessageBox messages;
-        window_->setDialogs(&messages, nullptr);
-        window_->rtbText[2]->SetPlainText(u"German body");
-        window_->Save("s", dir.path());
-        window_->rtbText[2]->SetPlainText(u"other");
-        window_->Load("s", dir.path());
-        QVERIFY(messages.shown.empty());
-        QCOMPARE(window_->rtbText[2]->PlainText(), std::u16string(u"German body"));
-        window_->Load("missing", dir.path());
-        QCOMPARE(messages.shown.size(), std::size_t{1});
-        QCOMPARE(QString::fromStdU16String(messages.shown[0].text),
-                 QStringLiteral("An error occured - the file probably didn't exist"));
-    }
-
   private:
     std::unique_ptr<frmMain> window_;
 };
