@@ -16,10 +16,11 @@ namespace {
 
 using layout::ToPixels;
 
+// Puts a control at its place (pixels in its parent) under its name.
 template <typename W>
-W* Place(W* widget, layout::TwipRect where, const char* name, std::u16string_view tip = {}) {
-    widget->setGeometry(ToPixels(where));
-    widget->setObjectName(QString::fromLatin1(name));
+W* Place(W* widget, const QRect& where, const QString& name, std::u16string_view tip = {}) {
+    widget->setGeometry(where);
+    widget->setObjectName(name);
     if (!tip.empty()) {
         widget->setToolTip(ToQString(tip));
     }
@@ -69,19 +70,22 @@ frmMain::~frmMain() {
 }
 
 void frmMain::CreateControls() {
-    Frame1 =
-        Place(new QGroupBox(ToQString(layout::kFrame1Caption), this), layout::kFrame1, "Frame1");
-    Label1 =
-        Place(new QLabel(ToQString(layout::kLabel1Caption), Frame1), layout::kLabel1, "Label1");
-    Label2 =
-        Place(new QLabel(ToQString(layout::kLabel2Caption), Frame1), layout::kLabel2, "Label2");
-    txtLoc = Place(new QLineEdit(Frame1), layout::kTxtLoc, "txtLoc", layout::kTxtLocTip);
-    cmdLoc = Place(new CaptionButton(ToQString(layout::kCmdLocCaption), Frame1), layout::kCmdLoc,
-                   "cmdLoc");
-    txtName = Place(new QLineEdit(Frame1), layout::kTxtName, "txtName", layout::kTxtNameTip);
+    Frame1 = Place(new QGroupBox(ToQString(layout::kFrame1Caption), this),
+                   ToPixels(layout::kFrame1), "Frame1");
+    Label1 = Place(new QLabel(ToQString(layout::kLabel1Caption), Frame1), ToPixels(layout::kLabel1),
+                   "Label1");
+    Label2 = Place(new QLabel(ToQString(layout::kLabel2Caption), Frame1), ToPixels(layout::kLabel2),
+                   "Label2");
+    txtLoc = Place(new QLineEdit(Frame1), ToPixels(layout::kTxtLoc), "txtLoc", layout::kTxtLocTip);
+    cmdLoc = Place(new CaptionButton(ToQString(layout::kCmdLocCaption), Frame1),
+                   ToPixels(layout::kCmdLoc), "cmdLoc");
+    txtName =
+        Place(new QLineEdit(Frame1), ToPixels(layout::kTxtName), "txtName", layout::kTxtNameTip);
 
-    Label4 = Place(new QLabel(ToQString(layout::kLabel4Caption), this), layout::kLabel4, "Label4");
-    cboFont = Place(new QComboBox(this), layout::kCboFont, "cboFont", layout::kCboFontTip);
+    Label4 = Place(new QLabel(ToQString(layout::kLabel4Caption), this), ToPixels(layout::kLabel4),
+                   "Label4");
+    cboFont =
+        Place(new QComboBox(this), ToPixels(layout::kCboFont), "cboFont", layout::kCboFontTip);
     cboFont->setEditable(true);
     // Typed names are saved as typed: never added to the list, never completed.
     cboFont->setInsertPolicy(QComboBox::NoInsert);
@@ -92,14 +96,14 @@ void frmMain::CreateControls() {
     cboFont->setCurrentIndex(-1);
     cboFont->setEditText(ToQString(layout::kFontBoxInitialText));
 
-    cmdSave = Place(new CaptionButton(ToQString(layout::kCmdSaveCaption), this), layout::kCmdSave,
-                    "cmdSave", layout::kCmdSaveTip);
-    cmdLoad = Place(new CaptionButton(ToQString(layout::kCmdLoadCaption), this), layout::kCmdLoad,
-                    "cmdLoad", layout::kCmdLoadTip);
+    cmdSave = Place(new CaptionButton(ToQString(layout::kCmdSaveCaption), this),
+                    ToPixels(layout::kCmdSave), "cmdSave", layout::kCmdSaveTip);
+    cmdLoad = Place(new CaptionButton(ToQString(layout::kCmdLoadCaption), this),
+                    ToPixels(layout::kCmdLoad), "cmdLoad", layout::kCmdLoadTip);
 
     tabMain = Place(new TabContainer(TabCaptions(), layout::kTabsPerRow,
                                      layout::kTabRowHeight / layout::kTwipsPerPixel, this),
-                    layout::kTabMain, "tabMain", layout::kTabMainTip);
+                    ToPixels(layout::kTabMain), "tabMain", layout::kTabMainTip);
     for (int i = 0; i < kLanguageCount; ++i) {
         CreateLanguagePage(i);
         CreatePreviewPage(i);
@@ -110,11 +114,8 @@ void frmMain::CreateLanguagePage(int i) {
     QWidget* page = tabMain->page(i);
     auto place = [&](QWidget* widget, layout::TwipRect where, const char* name,
                      std::u16string_view tip = {}) {
-        widget->setGeometry(tabMain->toPage(ToPixels(where)));
-        widget->setObjectName(Indexed(name, widget->property("index").toInt()));
-        if (!tip.empty()) {
-            widget->setToolTip(ToQString(tip));
-        }
+        Place(widget, tabMain->toPage(ToPixels(where)),
+              Indexed(name, widget->property("index").toInt()), tip);
     };
     auto button = [&](std::u16string_view caption) {
         auto* b = new CaptionButton(ToQString(caption), page);
@@ -165,13 +166,10 @@ void frmMain::CreateLanguagePage(int i) {
 
 void frmMain::CreatePreviewPage(int i) {
     const int k = kPreviewIndexOffset + i;
-    rtbText[k] = new RichTextBox(tabMain->page(k));
-    rtbText[k]->setGeometry(tabMain->toPage(ToPixels(layout::kPreviewPane)));
-    rtbText[k]->setObjectName(Indexed("rtbText", k));
+    rtbText[k] =
+        Place(new RichTextBox(tabMain->page(k)), tabMain->toPage(ToPixels(layout::kPreviewPane)),
+              Indexed("rtbText", k), layout::kPreviewTips[i]);
     rtbText[k]->setProperty("index", k);
-    if (!layout::kPreviewTips[i].empty()) {
-        rtbText[k]->setToolTip(ToQString(layout::kPreviewTips[i]));
-    }
 }
 
 void frmMain::SilenceInheritedTooltips() {

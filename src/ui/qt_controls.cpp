@@ -85,12 +85,12 @@ void QtFileDialog::ShowSave() {
     }
 }
 
-Text QtFileDialog::FileTitle() const {
-    return FromQ(QFileInfo(chosen_).fileName());
+Text QtFileDialog::FileName() const {
+    return FromQString(chosen_);
 }
 
-Text QtFileDialog::FromQ(const QString& text) {
-    return FromQString(text);
+Text QtFileDialog::FileTitle() const {
+    return FromQString(QFileInfo(chosen_).fileName());
 }
 
 void QtMessageBox::ShowMessage(TextView text, TextView title) {

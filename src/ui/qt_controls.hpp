@@ -54,7 +54,7 @@ class QtFileDialog final : public FileDialog {
     void SetTitle(TextView title) override;
     void SetFilter(TextView description, TextView pattern) override;
     void ShowSave() override;
-    Text FileName() const override { return FromQ(chosen_); }
+    Text FileName() const override;
     Text FileTitle() const override;
     void ClearFileName() override { chosen_.clear(); }
 
@@ -62,7 +62,6 @@ class QtFileDialog final : public FileDialog {
     QFileDialog* dialog();
 
   private:
-    static Text FromQ(const QString& text);
     QWidget* parent_;
     QFileDialog* dialog_ = nullptr;
     QString chosen_;
