@@ -2,8 +2,8 @@
 
 #include <csignal>
 
-#include "document/messages.hpp"
-#include "ui/frm_main.hpp"
+#include "editor/texts.hpp"
+#include "ui/main_window.hpp"
 #include "ui/qt_text.hpp"
 
 int main(int argc, char* argv[]) {
@@ -12,8 +12,8 @@ int main(int argc, char* argv[]) {
     std::signal(SIGXFSZ, SIG_IGN);
 
     QApplication app(argc, argv);
-    QApplication::setApplicationName(lorekeep::ui::ToQString(lorekeep::texts::kProgramTitle));
-    lorekeep::ui::frmMain window;
+    QApplication::setApplicationName(lorekeep::ui::toQString(lorekeep::texts::kProgramTitle));
+    lorekeep::ui::MainWindow window;
     window.show();
     return QApplication::exec();
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <string>
 #include <string_view>
 
@@ -54,7 +53,7 @@ inline constexpr std::u16string_view kShownGreen = u",G:";
 inline constexpr std::u16string_view kShownBlue = u",B:";
 inline constexpr std::u16string_view kShownEnd = u") ";
 
-inline std::u16string ShownColour(std::u16string_view red, std::u16string_view green,
+inline std::u16string shownColour(std::u16string_view red, std::u16string_view green,
                                   std::u16string_view blue) {
     std::u16string shown(kShownRed);
     shown.append(red).append(kShownGreen).append(green).append(kShownBlue).append(blue);
@@ -63,7 +62,7 @@ inline std::u16string ShownColour(std::u16string_view red, std::u16string_view g
 }
 
 // Colour marker composition: "\n<dc=" R "," G "," B ">\n".
-inline std::u16string ColourMarker(std::u16string_view red, std::u16string_view green,
+inline std::u16string colourMarker(std::u16string_view red, std::u16string_view green,
                                    std::u16string_view blue) {
     std::u16string marker;
     marker.reserve(kColourOpen.size() + red.size() + green.size() + blue.size() + 2 +
@@ -77,38 +76,5 @@ inline std::u16string ColourMarker(std::u16string_view red, std::u16string_view 
     marker.append(kValueClose);
     return marker;
 }
-
-// The whole vocabulary as one table, for documentation and tests.
-enum class MarkerKind {
-    LeftJustify,
-    Centre,
-    RightJustify,
-    Colour,
-    ColourBlack,
-    LineBreak,
-    ParagraphBreak,
-    PageBreak,
-    Font,
-    Title
-};
-
-struct MarkerInfo {
-    MarkerKind kind;
-    std::u16string_view text;  // whole text for fixed markers, the opening piece otherwise
-    bool hasValue;
-};
-
-inline constexpr std::array<MarkerInfo, 10> kMarkers{{
-    {MarkerKind::LeftJustify, kLeftJustify, false},
-    {MarkerKind::Centre, kCentre, false},
-    {MarkerKind::RightJustify, kRightJustify, false},
-    {MarkerKind::Colour, kColourOpen, true},
-    {MarkerKind::ColourBlack, kColourBlack, false},
-    {MarkerKind::LineBreak, kLineBreak, false},
-    {MarkerKind::ParagraphBreak, kParagraphBreak, false},
-    {MarkerKind::PageBreak, kPageBreak, false},
-    {MarkerKind::Font, kFontOpen, true},
-    {MarkerKind::Title, kTitleOpen, true},
-}};
 
 }  // namespace lorekeep::markup

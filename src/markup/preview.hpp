@@ -13,7 +13,7 @@ inline constexpr char16_t kLineBreakCharacter = u'\r';
 
 // Paragraphs end at a rendered line break and equally at a real line feed
 // that reached a body by pasting: the preview shows both as a new line.
-constexpr bool IsParagraphSeparator(char16_t c) {
+constexpr bool isParagraphSeparator(char16_t c) {
     return c == u'\r' || c == u'\n';
 }
 
@@ -47,14 +47,5 @@ struct RenderedPreview {
 
     bool operator==(const RenderedPreview&) const = default;
 };
-
-// The colour of every character, expanded from the runs.
-std::vector<CharColour> ColourOfEachCharacter(const RenderedPreview& preview);
-
-// Offsets at which each paragraph starts (the first is 0).
-std::vector<std::size_t> ParagraphStarts(TextView text);
-
-// The paragraph in which an offset stands: the number of separators before it.
-std::size_t ParagraphAt(TextView text, std::size_t offset);
 
 }  // namespace lorekeep::markup

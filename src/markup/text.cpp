@@ -6,7 +6,7 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-void AppendUtf8(std::string& out, char32_t cp) {
+void appendUtf8(std::string& out, char32_t cp) {
     if (cp < 0x80) {
         out.push_back(static_cast<char>(cp));
     } else if (cp < 0x800) {
@@ -24,7 +24,7 @@ void AppendUtf8(std::string& out, char32_t cp) {
     }
 }
 
-void AppendUtf16(Text& out, char32_t cp) {
+void appendUtf16(Text& out, char32_t cp) {
     if (cp < 0x10000) {
         out.push_back(static_cast<char16_t>(cp));
     } else {
@@ -34,34 +34,34 @@ void AppendUtf16(Text& out, char32_t cp) {
     }
 }
 
-bool IsHighSurrogate(char16_t c) {
+bool isHighSurrogate(char16_t c) {
     return c >= 0xD800 && c <= 0xDBFF;
 }
-bool IsLowSurrogate(char16_t c) {
+bool isLowSurrogate(char16_t c) {
     return c >= 0xDC00 && c <= 0xDFFF;
 }
 
 }  // namespace
 
-std::string ToUtf8(TextView text) {
+std::string toUtf8(TextView text) {
     std::string out;
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t c = text[i];
-        if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+        if (isHighSurrogate(c) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
             const char32_t cp = 0x10000 + ((char32_t(c) - 0xD800) << 10) + (text[i + 1] - 0xDC00);
-            AppendUtf8(out, cp);
+            appendUtf8(out, cp);
             ++i;
-        } else if (IsHighSurrogate(c) || IsLowSurrogate(c)) {
-            AppendUtf8(out, kReplacement);
+        } else if (isHighSurrogate(c) || isLowSurrogate(c)) {
+            appendUtf8(out, kReplacement);
         } else {
-            AppendUtf8(out, c);
+            appendUtf8(out, c);
         }
     }
     return out;
 }
 
-Text FromUtf8(std::string_view utf8) {
+Text fromUtf8(std::string_view utf8) {
     Text out;
     out.reserve(utf8.size());
     std::size_t i = 0;
@@ -97,7 +97,7 @@ Text FromUtf8(std::string_view utf8) {
             ++i;
             continue;
         }
-        AppendUtf16(out, cp);
+        appendUtf16(out, cp);
         i += static_cast<std::size_t>(extra) + 1;
     }
     return out;

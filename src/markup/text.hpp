@@ -12,7 +12,7 @@ using TextView = std::u16string_view;
 
 // Conversions for file paths and diagnostics. Unpaired surrogates and invalid
 // UTF-8 sequences become U+FFFD rather than being dropped.
-std::string ToUtf8(TextView text);
-Text FromUtf8(std::string_view utf8);
+std::string toUtf8(TextView text);
+Text fromUtf8(std::string_view utf8);
 
 }  // namespace lorekeep

@@ -12,7 +12,7 @@ constexpr qreal kSmallestPointSize = 6.0;
 constexpr qreal kStep = 0.5;
 constexpr int kInset = 2;
 
-bool Fits(const QFont& font, const QString& text, const QSize& box, bool wrap) {
+bool fits(const QFont& font, const QString& text, const QSize& box, bool wrap) {
     const QFontMetrics metrics(font);
     const int flags = Qt::AlignCenter | (wrap ? Qt::TextWordWrap : 0);
     const QRect needed = metrics.boundingRect(QRect(QPoint(0, 0), box), flags, text);
@@ -21,10 +21,10 @@ bool Fits(const QFont& font, const QString& text, const QSize& box, bool wrap) {
 
 }  // namespace
 
-QFont FittedFont(const QFont& font, const QString& text, const QSize& box, bool wrap) {
+QFont fittedFont(const QFont& font, const QString& text, const QSize& box, bool wrap) {
     QFont fitted = font;
     qreal size = font.pointSizeF() > 0 ? font.pointSizeF() : 9.0;
-    while (size > kSmallestPointSize && !Fits(fitted, text, box, wrap)) {
+    while (size > kSmallestPointSize && !fits(fitted, text, box, wrap)) {
         size -= kStep;
         fitted.setPointSizeF(size);
     }
@@ -43,7 +43,7 @@ void CaptionButton::paintEvent(QPaintEvent*) {
     const QRect area = rect().adjusted(kInset, 0, -kInset, 0);
     // Two lines fit only in a button at least twice as tall as one line.
     const bool wrap = area.height() >= 2 * QFontMetrics(font()).height();
-    painter.setFont(FittedFont(font(), text(), area.size(), wrap));
+    painter.setFont(fittedFont(font(), text(), area.size(), wrap));
     painter.drawItemText(area, Qt::AlignCenter | (wrap ? Qt::TextWordWrap : 0), palette(),
                          isEnabled(), text(), QPalette::ButtonText);
     if (hasFocus()) {

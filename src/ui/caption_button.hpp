@@ -7,7 +7,7 @@ namespace lorekeep::ui {
 
 // The largest version of `font`, no larger than it, in which `text` fits the
 // box (wrapped at spaces when `wrap`); never below a legible minimum.
-QFont FittedFont(const QFont& font, const QString& text, const QSize& box, bool wrap);
+QFont fittedFont(const QFont& font, const QString& text, const QSize& box, bool wrap);
 
 // A push button whose caption always fits: wrapped onto several lines when the
 // button is tall enough, and drawn in a smaller size of the default font when

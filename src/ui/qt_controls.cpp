@@ -7,95 +7,89 @@
 
 namespace lorekeep::ui {
 
-Text LineEditControl::GetText() const {
-    return FromQString(edit_->text());
+Text LineEditControl::text() const {
+    return fromQString(m_edit->text());
 }
 
-void LineEditControl::SetText(TextView text) {
-    edit_->setText(ToQString(text));
+void LineEditControl::setText(TextView text) {
+    m_edit->setText(toQString(text));
 }
 
-void PushButtonControl::SetBackColour(markup::Rgb colour) {
-    QPalette palette = button_->palette();
+void PushButtonControl::setBackgroundColour(markup::Rgb colour) {
+    QPalette palette = m_button->palette();
     palette.setColor(QPalette::Button, QColor(colour.red, colour.green, colour.blue));
-    button_->setPalette(palette);
-    button_->update();
+    m_button->setPalette(palette);
+    m_button->update();
 }
 
-Text ComboBoxControl::EntryText(int position) const {
-    return FromQString(box_->itemText(position));
+Text ComboBoxControl::currentText() const {
+    return fromQString(m_box->currentText());
 }
 
-void ComboBoxControl::SelectEntry(int position) {
-    box_->setCurrentIndex(position);
-    box_->setEditText(box_->itemText(position));
+void ComboBoxControl::setCurrentEntry(int position) {
+    m_box->setCurrentIndex(position);
+    m_box->setEditText(m_box->itemText(position));
 }
 
-Text ComboBoxControl::CurrentText() const {
-    return FromQString(box_->currentText());
+void ComboBoxControl::setEditText(TextView text) {
+    m_box->setCurrentIndex(-1);
+    m_box->setEditText(toQString(text));
 }
-
-void ComboBoxControl::SetCurrentText(TextView text) {
-    box_->setCurrentIndex(-1);
-    box_->setEditText(ToQString(text));
-}
-
-QtFileDialog::QtFileDialog(QWidget* parent) : parent_(parent) {}
 
 QFileDialog* QtFileDialog::dialog() {
-    if (dialog_ == nullptr) {
-        dialog_ = new QFileDialog(parent_);
-        dialog_->setObjectName(QStringLiteral("cd1"));
-        dialog_->setAcceptMode(QFileDialog::AcceptSave);
-        dialog_->setFileMode(QFileDialog::AnyFile);
+    if (m_dialog == nullptr) {
+        m_dialog = new QFileDialog(m_parent);
+        m_dialog->setObjectName(QStringLiteral("cd1"));
+        m_dialog->setAcceptMode(QFileDialog::AcceptSave);
+        m_dialog->setFileMode(QFileDialog::AnyFile);
         // Choosing an existing file is how a schema is picked for loading
         // too: no question about replacing it.
-        dialog_->setOption(QFileDialog::DontConfirmOverwrite);
+        m_dialog->setOption(QFileDialog::DontConfirmOverwrite);
         // Qt's own dialog everywhere: a desktop's native one may ignore the
         // default extension that completes a typed name.
-        dialog_->setOption(QFileDialog::DontUseNativeDialog);
+        m_dialog->setOption(QFileDialog::DontUseNativeDialog);
     }
-    return dialog_;
+    return m_dialog;
 }
 
-void QtFileDialog::SetDefaultExtension(TextView extension) {
-    dialog()->setDefaultSuffix(ToQString(extension));
+void QtFileDialog::setDefaultSuffix(TextView suffix) {
+    dialog()->setDefaultSuffix(toQString(suffix));
 }
 
-void QtFileDialog::SetTitle(TextView title) {
-    dialog()->setWindowTitle(ToQString(title));
+void QtFileDialog::setTitle(TextView title) {
+    dialog()->setWindowTitle(toQString(title));
 }
 
-void QtFileDialog::SetFilter(TextView description, TextView pattern) {
+void QtFileDialog::setFilter(TextView description, TextView pattern) {
     // Qt reads the pattern from the parentheses of the description; add it
     // when the description does not carry it.
-    QString filter = ToQString(description);
-    const QString wildcard = ToQString(pattern);
+    QString filter = toQString(description);
+    const QString wildcard = toQString(pattern);
     if (!filter.contains(wildcard)) {
         filter += QStringLiteral(" (%1)").arg(wildcard);
     }
     dialog()->setNameFilter(filter);
 }
 
-void QtFileDialog::ShowSave() {
+void QtFileDialog::exec() {
     QFileDialog* d = dialog();
     d->selectFile(QString());
     if (d->exec() == QDialog::Accepted && !d->selectedFiles().isEmpty()) {
-        chosen_ = d->selectedFiles().constFirst();
+        m_chosen = d->selectedFiles().constFirst();
     }
 }
 
-Text QtFileDialog::FileName() const {
-    return FromQString(chosen_);
+Text QtFileDialog::chosenPath() const {
+    return fromQString(m_chosen);
 }
 
-Text QtFileDialog::FileTitle() const {
-    return FromQString(QFileInfo(chosen_).fileName());
+Text QtFileDialog::chosenFileName() const {
+    return fromQString(QFileInfo(m_chosen).fileName());
 }
 
-void QtMessageBox::ShowMessage(TextView text, TextView title) {
-    QMessageBox box(QMessageBox::NoIcon, ToQString(title), ToQString(text), QMessageBox::Ok,
-                    parent_);
+void QtMessageBox::showMessage(TextView text, TextView title) {
+    QMessageBox box(QMessageBox::NoIcon, toQString(title), toQString(text), QMessageBox::Ok,
+                    m_parent);
     box.exec();
 }
 

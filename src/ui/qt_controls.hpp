@@ -5,76 +5,72 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "document/controls.hpp"
+#include "editor/controls.hpp"
 
 // Thin adaptors: the core's control interfaces over real widgets.
 namespace lorekeep::ui {
 
-class LineEditControl final : public TextBox {
+class LineEditControl final : public editor::TextBox {
   public:
-    explicit LineEditControl(QLineEdit* edit) : edit_(edit) {}
-    Text GetText() const override;
-    void SetText(TextView text) override;
-    void SetEnabled(bool enabled) override { edit_->setEnabled(enabled); }
-    bool IsEnabled() const override { return edit_->isEnabled(); }
+    explicit LineEditControl(QLineEdit* edit) : m_edit(edit) {}
+    Text text() const override;
+    void setText(TextView text) override;
+    void setEnabled(bool enabled) override { m_edit->setEnabled(enabled); }
 
   private:
-    QLineEdit* edit_;
+    QLineEdit* m_edit;
 };
 
-class PushButtonControl final : public Button {
+class PushButtonControl final : public editor::Button {
   public:
-    explicit PushButtonControl(QPushButton* button) : button_(button) {}
-    void SetEnabled(bool enabled) override { button_->setEnabled(enabled); }
-    bool IsEnabled() const override { return button_->isEnabled(); }
-    void SetBackColour(markup::Rgb colour) override;
+    explicit PushButtonControl(QPushButton* button) : m_button(button) {}
+    void setEnabled(bool enabled) override { m_button->setEnabled(enabled); }
+    void setBackgroundColour(markup::Rgb colour) override;
 
   private:
-    QPushButton* button_;
+    QPushButton* m_button;
 };
 
-class ComboBoxControl final : public FontBox {
+class ComboBoxControl final : public editor::FontBox {
   public:
-    explicit ComboBoxControl(QComboBox* box) : box_(box) {}
-    int EntryCount() const override { return box_->count(); }
-    Text EntryText(int position) const override;
-    void SelectEntry(int position) override;
-    Text CurrentText() const override;
-    void SetCurrentText(TextView text) override;
+    explicit ComboBoxControl(QComboBox* box) : m_box(box) {}
+    Text currentText() const override;
+    void setCurrentEntry(int position) override;
+    void setEditText(TextView text) override;
 
   private:
-    QComboBox* box_;
+    QComboBox* m_box;
 };
 
 // The window's one file dialog, shown in its save form.
-class QtFileDialog final : public FileDialog {
+class QtFileDialog final : public editor::FileDialog {
   public:
-    explicit QtFileDialog(QWidget* parent);
-    void SetDefaultExtension(TextView extension) override;
-    void SetTitle(TextView title) override;
-    void SetFilter(TextView description, TextView pattern) override;
-    void ShowSave() override;
-    Text FileName() const override;
-    Text FileTitle() const override;
-    void ClearFileName() override { chosen_.clear(); }
+    explicit QtFileDialog(QWidget* parent) : m_parent(parent) {}
+    void setDefaultSuffix(TextView suffix) override;
+    void setTitle(TextView title) override;
+    void setFilter(TextView description, TextView pattern) override;
+    void exec() override;
+    Text chosenPath() const override;
+    Text chosenFileName() const override;
+    void clearChosenPath() override { m_chosen.clear(); }
 
+  private:
     // Made on first use (it is costly to build) and kept for the window's life.
     QFileDialog* dialog();
 
-  private:
-    QWidget* parent_;
-    QFileDialog* dialog_ = nullptr;
-    QString chosen_;
+    QWidget* m_parent;
+    QFileDialog* m_dialog = nullptr;
+    QString m_chosen;
 };
 
 // Modal, one OK button, no icon.
-class QtMessageBox final : public MessageBox {
+class QtMessageBox final : public editor::MessageBox {
   public:
-    explicit QtMessageBox(QWidget* parent) : parent_(parent) {}
-    void ShowMessage(TextView text, TextView title) override;
+    explicit QtMessageBox(QWidget* parent) : m_parent(parent) {}
+    void showMessage(TextView text, TextView title) override;
 
   private:
-    QWidget* parent_;
+    QWidget* m_parent;
 };
 
 }  // namespace lorekeep::ui

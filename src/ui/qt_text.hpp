@@ -7,12 +7,12 @@
 namespace lorekeep::ui {
 
 // The core's text and Qt's strings are both UTF-16: conversion is a copy.
-inline QString ToQString(TextView text) {
+inline QString toQString(TextView text) {
     return QString(reinterpret_cast<const QChar*>(text.data()),
                    static_cast<qsizetype>(text.size()));
 }
 
-inline Text FromQString(const QString& text) {
+inline Text fromQString(const QString& text) {
     return text.toStdU16String();
 }
 

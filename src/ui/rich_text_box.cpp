@@ -6,7 +6,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 
-#include "document/window_commands.hpp"
+#include "editor/schema_editor.hpp"
 #include "ui/qt_text.hpp"
 
 namespace lorekeep::ui {
@@ -17,7 +17,7 @@ namespace {
 // text reads back exactly: CR for a rendered break, LF otherwise.
 constexpr int kEndedByCarriageReturn = 13;
 
-Qt::Alignment ToQt(markup::Alignment alignment) {
+Qt::Alignment toQt(markup::Alignment alignment) {
     switch (alignment) {
         case markup::Alignment::Right:
             return Qt::AlignRight;
@@ -29,12 +29,31 @@ Qt::Alignment ToQt(markup::Alignment alignment) {
     return Qt::AlignLeft;
 }
 
-QTextCharFormat ColourFormat(const markup::CharColour& colour) {
+QTextCharFormat colourFormat(const markup::CharColour& colour) {
     QTextCharFormat format;
     if (colour) {
         format.setForeground(QColor(colour->red, colour->green, colour->blue));
     }
     return format;
+}
+
+// Inserts text at the cursor, one paragraph end per separator character.
+void insertWithSeparators(QTextCursor& cursor, TextView text, const QTextCharFormat& format) {
+    std::size_t start = 0;
+    for (std::size_t k = 0; k <= text.size(); ++k) {
+        if (k < text.size() && !markup::isParagraphSeparator(text[k])) {
+            continue;
+        }
+        if (k > start) {
+            cursor.insertText(toQString(text.substr(start, k - start)), format);
+        }
+        if (k < text.size()) {
+            const QTextBlockFormat blockFormat = cursor.blockFormat();
+            cursor.insertBlock(blockFormat, format);
+            cursor.block().setUserState(text[k] == u'\r' ? kEndedByCarriageReturn : -1);
+        }
+        start = k + 1;
+    }
 }
 
 }  // namespace
@@ -45,13 +64,13 @@ RichTextBox::RichTextBox(QWidget* parent) : QTextEdit(parent) {
     setLineWrapMode(QTextEdit::WidgetWidth);
 }
 
-std::size_t RichTextBox::Length() const {
+std::size_t RichTextBox::length() const {
     return static_cast<std::size_t>(document()->characterCount() - 1);
 }
 
-Text RichTextBox::PlainText() const {
+Text RichTextBox::plainText() const {
     Text text;
-    text.reserve(Length());
+    text.reserve(length());
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
         if (block != document()->begin()) {
             text.push_back(block.userState() == kEndedByCarriageReturn ? u'\r' : u'\n');
@@ -63,101 +82,42 @@ Text RichTextBox::PlainText() const {
     return text;
 }
 
-void RichTextBox::InsertWithSeparators(QTextCursor& cursor, TextView text,
-                                       const QTextCharFormat& format) {
-    std::size_t start = 0;
-    for (std::size_t k = 0; k <= text.size(); ++k) {
-        if (k < text.size() && !markup::IsParagraphSeparator(text[k])) {
-            continue;
-        }
-        if (k > start) {
-            cursor.insertText(ToQString(text.substr(start, k - start)), format);
-        }
-        if (k < text.size()) {
-            const QTextBlockFormat blockFormat = cursor.blockFormat();
-            cursor.insertBlock(blockFormat, format);
-            cursor.block().setUserState(text[k] == u'\r' ? kEndedByCarriageReturn : -1);
-        }
-        start = k + 1;
-    }
-}
-
-void RichTextBox::SetPlainText(TextView text) {
+void RichTextBox::replaceText(TextView text) {
     // One edit block: one undo step and one text-changed notification.
     QTextCursor cursor(document());
     cursor.beginEditBlock();
     cursor.select(QTextCursor::Document);
     cursor.removeSelectedText();
-    InsertWithSeparators(cursor, text, QTextCharFormat());
+    insertWithSeparators(cursor, text, QTextCharFormat());
     cursor.endEditBlock();
-    SetCaret(0);
+    setCaretPosition(0);
 }
 
-std::size_t RichTextBox::Caret() const {
+std::size_t RichTextBox::caretPosition() const {
     return static_cast<std::size_t>(textCursor().selectionStart());
 }
 
-void RichTextBox::SetCaret(std::size_t position) {
+void RichTextBox::setCaretPosition(std::size_t position) {
     QTextCursor cursor = textCursor();
-    cursor.setPosition(static_cast<int>(std::min(position, Length())));
+    cursor.setPosition(static_cast<int>(std::min(position, length())));
     setTextCursor(cursor);
 }
 
-void RichTextBox::Focus() {
+void RichTextBox::giveFocus() {
     setFocus(Qt::OtherFocusReason);
 }
 
-void RichTextBox::SetText(TextView text) {
-    QTextCursor cursor(document());
-    cursor.beginEditBlock();
-    cursor.select(QTextCursor::Document);
-    cursor.removeSelectedText();
-    cursor.setBlockFormat(QTextBlockFormat());
-    cursor.setCharFormat(QTextCharFormat());
-    InsertWithSeparators(cursor, text, QTextCharFormat());
-    cursor.endEditBlock();
-    SetCaret(0);
-}
-
-void RichTextBox::ReplaceText(std::size_t offset, std::size_t count, TextView with) {
-    const std::size_t length = Length();
-    offset = std::min(offset, length);
-    count = std::min(count, length - offset);
-    QTextCursor cursor(document());
-    cursor.beginEditBlock();
-    cursor.setPosition(static_cast<int>(offset));
-    cursor.setPosition(static_cast<int>(offset + count), QTextCursor::KeepAnchor);
-    const QTextCharFormat format = cursor.charFormat();
-    cursor.removeSelectedText();
-    InsertWithSeparators(cursor, with, format);
-    cursor.endEditBlock();
-}
-
-void RichTextBox::SelectToEnd(std::size_t offset) {
+void RichTextBox::selectToEnd(std::size_t offset) {
     // The anchor at the end and the caret at the start: the caret position is
     // the selection's start, as the commands count it.
-    const std::size_t length = Length();
+    const std::size_t end = length();
     QTextCursor cursor = textCursor();
-    cursor.setPosition(static_cast<int>(length));
-    cursor.setPosition(static_cast<int>(std::min(offset, length)), QTextCursor::KeepAnchor);
+    cursor.setPosition(static_cast<int>(end));
+    cursor.setPosition(static_cast<int>(std::min(offset, end)), QTextCursor::KeepAnchor);
     setTextCursor(cursor);
 }
 
-void RichTextBox::ColourSelection(markup::Rgb colour) {
-    QTextCursor cursor = textCursor();
-    if (!cursor.hasSelection()) {
-        return;
-    }
-    cursor.mergeCharFormat(ColourFormat(colour));
-}
-
-void RichTextBox::AlignSelection(markup::Alignment alignment) {
-    QTextBlockFormat format;
-    format.setAlignment(ToQt(alignment));
-    textCursor().mergeBlockFormat(format);
-}
-
-void RichTextBox::ShowRendered(const markup::RenderedPreview& preview) {
+void RichTextBox::showPreview(const markup::RenderedPreview& preview) {
     // Built in one pass: each paragraph with its alignment, each stretch of
     // one colour inserted once.
     QTextDocument* doc = document();
@@ -173,7 +133,7 @@ void RichTextBox::ShowRendered(const markup::RenderedPreview& preview) {
     std::size_t paragraph = 0;
     QTextBlockFormat blockFormat;
     blockFormat.setAlignment(
-        ToQt(preview.paragraphs.empty() ? markup::Alignment::Left : preview.paragraphs[0]));
+        toQt(preview.paragraphs.empty() ? markup::Alignment::Left : preview.paragraphs[0]));
     cursor.setBlockFormat(blockFormat);
     cursor.block().setUserState(-1);
     std::size_t start = 0;
@@ -183,18 +143,18 @@ void RichTextBox::ShowRendered(const markup::RenderedPreview& preview) {
         }
         const std::size_t runEnd =
             run + 1 < preview.colours.size() ? preview.colours[run + 1].start : text.size();
-        const QTextCharFormat format = ColourFormat(
+        const QTextCharFormat format = colourFormat(
             run < preview.colours.size() ? preview.colours[run].colour : markup::CharColour{});
         std::size_t end = start;
-        while (end < runEnd && !markup::IsParagraphSeparator(text[end])) {
+        while (end < runEnd && !markup::isParagraphSeparator(text[end])) {
             ++end;
         }
         if (end > start) {
-            cursor.insertText(ToQString(text.substr(start, end - start)), format);
+            cursor.insertText(toQString(text.substr(start, end - start)), format);
         }
         if (end < runEnd) {  // a paragraph ends here
             ++paragraph;
-            blockFormat.setAlignment(ToQt(paragraph < preview.paragraphs.size()
+            blockFormat.setAlignment(toQt(paragraph < preview.paragraphs.size()
                                               ? preview.paragraphs[paragraph]
                                               : markup::Alignment::Left));
             cursor.insertBlock(blockFormat, format);
@@ -207,13 +167,13 @@ void RichTextBox::ShowRendered(const markup::RenderedPreview& preview) {
     doc->setUndoRedoEnabled(undo);
 
     if (preview.selectionLength > 0) {
-        SelectToEnd(preview.caret);
+        selectToEnd(preview.caret);
     } else {
-        SetCaret(preview.caret);
+        setCaretPosition(preview.caret);
     }
 }
 
-QColor RichTextBox::CharacterColour(std::size_t position) const {
+QColor RichTextBox::characterColour(std::size_t position) const {
     QTextCursor cursor(document());
     cursor.setPosition(static_cast<int>(position));
     cursor.setPosition(static_cast<int>(position + 1), QTextCursor::KeepAnchor);
@@ -222,7 +182,7 @@ QColor RichTextBox::CharacterColour(std::size_t position) const {
                                                             : QColor();
 }
 
-markup::Alignment RichTextBox::ParagraphAlignment(int paragraph) const {
+markup::Alignment RichTextBox::paragraphAlignment(int paragraph) const {
     const Qt::Alignment alignment =
         document()->findBlockByNumber(paragraph).blockFormat().alignment() &
         Qt::AlignHorizontal_Mask;
@@ -237,7 +197,7 @@ markup::Alignment RichTextBox::ParagraphAlignment(int paragraph) const {
 
 void RichTextBox::insertFromMimeData(const QMimeData* source) {
     if (source != nullptr && source->hasText() &&
-        Length() + static_cast<std::size_t>(source->text().size()) > kMaxBodyLength) {
+        length() + static_cast<std::size_t>(source->text().size()) > editor::kMaxBodyLength) {
         QApplication::beep();
         return;
     }

@@ -3,19 +3,18 @@
 #include <QTextEdit>
 #include <functional>
 
-#include "document/controls.hpp"
-#include "markup/preview_pane.hpp"
+#include "editor/controls.hpp"
 
 namespace lorekeep::ui {
 
 // The rich-text box of the rtbText array: a language editor or a preview
-// pane. It holds plain text only (pasting drops formatting); the preview panes
-// also carry the colours and paragraph alignments that the renderer gives them.
+// pane. It holds plain text only (pasting drops formatting); a preview pane
+// also carries the colours and paragraph alignments that the renderer gives it.
 //
 // Every character of the core's text is one position of the document: a
 // line-break character (CR) or a line feed becomes a paragraph end and reads
 // back as the character it was.
-class RichTextBox : public QTextEdit, public EditorBox, public markup::PreviewPane {
+class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::PreviewPane {
     Q_OBJECT
 
   public:
@@ -25,26 +24,19 @@ class RichTextBox : public QTextEdit, public EditorBox, public markup::PreviewPa
     // change the code; 0 suppresses the character.
     std::function<void(int& code)> onCharacterTyped;
 
-    // EditorBox
-    Text PlainText() const override;
-    void SetPlainText(TextView text) override;
-    std::size_t Caret() const override;
-    void SetCaret(std::size_t position) override;
-    void Focus() override;
+    // editor::EditorBox
+    Text plainText() const override;
+    void replaceText(TextView text) override;
+    std::size_t caretPosition() const override;
+    void setCaretPosition(std::size_t position) override;
+    void giveFocus() override;
 
-    // PreviewPane
-    Text ReadText() const override { return PlainText(); }
-    void SetText(TextView text) override;
-    void ReplaceText(std::size_t offset, std::size_t count, TextView with) override;
-    void PlaceCaret(std::size_t offset) override { SetCaret(offset); }
-    void SelectToEnd(std::size_t offset) override;
-    void ColourSelection(markup::Rgb colour) override;
-    void AlignSelection(markup::Alignment alignment) override;
-    void ShowRendered(const markup::RenderedPreview& preview) override;
+    // editor::PreviewPane: the document built in one pass.
+    void showPreview(const markup::RenderedPreview& preview) override;
 
     // The colour of the character at a position; invalid for the default colour.
-    QColor CharacterColour(std::size_t position) const;
-    markup::Alignment ParagraphAlignment(int paragraph) const;
+    QColor characterColour(std::size_t position) const;
+    markup::Alignment paragraphAlignment(int paragraph) const;
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -52,10 +44,9 @@ class RichTextBox : public QTextEdit, public EditorBox, public markup::PreviewPa
     void insertFromMimeData(const QMimeData* source) override;
 
   private:
-    std::size_t Length() const;
-    // Inserts text at the cursor, one paragraph end per separator character.
-    static void InsertWithSeparators(QTextCursor& cursor, TextView text,
-                                     const QTextCharFormat& format);
+    std::size_t length() const;
+    // The anchor at the end and the caret at `offset`.
+    void selectToEnd(std::size_t offset);
 };
 
 }  // namespace lorekeep::ui

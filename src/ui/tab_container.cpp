@@ -12,18 +12,18 @@ namespace lorekeep::ui {
 
 TwoRowTabStrip::TwoRowTabStrip(QStringList captions, int tabsPerRow, int rowHeight, QWidget* parent)
     : QWidget(parent),
-      captions_(std::move(captions)),
-      tabsPerRow_(tabsPerRow),
-      rowHeight_(rowHeight) {
+      m_captions(std::move(captions)),
+      m_tabsPerRow(tabsPerRow),
+      m_rowHeight(rowHeight) {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
 }
 
 void TwoRowTabStrip::setCurrentIndex(int index) {
-    if (index < 0 || index >= count() || index == current_) {
+    if (index < 0 || index >= count() || index == m_current) {
         return;
     }
-    current_ = index;
+    m_current = index;
     update();
     emit currentChanged(index);
 }
@@ -31,11 +31,11 @@ void TwoRowTabStrip::setCurrentIndex(int index) {
 QRect TwoRowTabStrip::tabRect(int index) const {
     // Each tab is a quarter of the width; the last in a row takes what the
     // division leaves over.
-    const int column = index % tabsPerRow_;
-    const int row = index / tabsPerRow_;
-    const int left = width() * column / tabsPerRow_;
-    const int right = width() * (column + 1) / tabsPerRow_;
-    return {left, row * rowHeight_, right - left, rowHeight_};
+    const int column = index % m_tabsPerRow;
+    const int row = index / m_tabsPerRow;
+    const int left = width() * column / m_tabsPerRow;
+    const int right = width() * (column + 1) / m_tabsPerRow;
+    return {left, row * m_rowHeight, right - left, m_rowHeight};
 }
 
 int TwoRowTabStrip::tabAt(const QPoint& point) const {
@@ -49,20 +49,20 @@ int TwoRowTabStrip::tabAt(const QPoint& point) const {
 
 void TwoRowTabStrip::paintEvent(QPaintEvent*) {
     QStylePainter painter(this);
-    const int currentRow = current_ / tabsPerRow_;
+    const int currentRow = m_current / m_tabsPerRow;
     for (int k = 0; k < count(); ++k) {
         QStyleOptionTab option;
         option.initFrom(this);
         option.shape = QTabBar::RoundedNorth;
         option.rect = tabRect(k);
-        option.text = captions_[k];
-        const int column = k % tabsPerRow_;
-        option.position = column == 0                 ? QStyleOptionTab::Beginning
-                          : column == tabsPerRow_ - 1 ? QStyleOptionTab::End
-                                                      : QStyleOptionTab::Middle;
+        option.text = m_captions[k];
+        const int column = k % m_tabsPerRow;
+        option.position = column == 0                  ? QStyleOptionTab::Beginning
+                          : column == m_tabsPerRow - 1 ? QStyleOptionTab::End
+                                                       : QStyleOptionTab::Middle;
         option.state &=
             ~(QStyle::State_Selected | QStyle::State_HasFocus | QStyle::State_MouseOver);
-        if (k == current_) {
+        if (k == m_current) {
             option.state |= QStyle::State_Selected;
             if (hasFocus()) {
                 option.state |= QStyle::State_HasFocus;
@@ -73,15 +73,15 @@ void TwoRowTabStrip::paintEvent(QPaintEvent*) {
         }
         // The row of the selected tab is drawn against the pages, as in any
         // tab control with several rows.
-        if (k / tabsPerRow_ != currentRow) {
+        if (k / m_tabsPerRow != currentRow) {
             option.state &= ~QStyle::State_Selected;
         }
         painter.drawControl(QStyle::CE_TabBarTabShape, option);
         const QRect label = option.rect.adjusted(4, 0, -4, 0);
-        painter.setFont(FittedFont(font(), option.text, label.size(), false));
+        painter.setFont(fittedFont(font(), option.text, label.size(), false));
         painter.drawItemText(label, Qt::AlignCenter, palette(), isEnabled(), option.text,
                              QPalette::WindowText);
-        if (k == current_ && hasFocus()) {
+        if (k == m_current && hasFocus()) {
             QStyleOptionFocusRect focus;
             focus.initFrom(this);
             focus.rect = tabRect(k).adjusted(3, 3, -3, -3);
@@ -100,14 +100,14 @@ void TwoRowTabStrip::mousePressEvent(QMouseEvent* event) {
 void TwoRowTabStrip::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
         case Qt::Key_Left:
-            setCurrentIndex((current_ + count() - 1) % count());
+            setCurrentIndex((m_current + count() - 1) % count());
             break;
         case Qt::Key_Right:
-            setCurrentIndex((current_ + 1) % count());
+            setCurrentIndex((m_current + 1) % count());
             break;
         case Qt::Key_Up:
         case Qt::Key_Down:
-            setCurrentIndex((current_ + tabsPerRow_) % count());
+            setCurrentIndex((m_current + m_tabsPerRow) % count());
             break;
         default:
             QWidget::keyPressEvent(event);
@@ -119,24 +119,20 @@ void TwoRowTabStrip::keyPressEvent(QKeyEvent* event) {
 TabContainer::TabContainer(QStringList captions, int tabsPerRow, int rowHeight, QWidget* parent)
     : QWidget(parent) {
     const int rows = (static_cast<int>(captions.size()) + tabsPerRow - 1) / tabsPerRow;
-    const int pages = static_cast<int>(captions.size());
-    bandHeight_ = rows * rowHeight;
-    strip_ = new TwoRowTabStrip(std::move(captions), tabsPerRow, rowHeight, this);
-    strip_->move(0, 0);
+    m_bandHeight = rows * rowHeight;
+    m_strip = new TwoRowTabStrip(std::move(captions), tabsPerRow, rowHeight, this);
+    m_strip->move(0, 0);
     // No frame of its own: a frame would shift the pages' children off the
     // positions they are given. The container draws the panel instead.
-    stack_ = new QStackedWidget(this);
-    stack_->setFrameShape(QFrame::NoFrame);
-    for (int k = 0; k < pages; ++k) {
-        stack_->addWidget(new QWidget(stack_));
-    }
-    stack_->move(0, bandHeight_);
-    connect(strip_, &TwoRowTabStrip::currentChanged, stack_, &QStackedWidget::setCurrentIndex);
+    m_stack = new QStackedWidget(this);
+    m_stack->setFrameShape(QFrame::NoFrame);
+    m_stack->move(0, m_bandHeight);
+    connect(m_strip, &TwoRowTabStrip::currentChanged, m_stack, &QStackedWidget::setCurrentIndex);
 }
 
 void TabContainer::resizeEvent(QResizeEvent* event) {
-    strip_->setGeometry(0, 0, width(), bandHeight_);
-    stack_->setGeometry(0, bandHeight_, width(), height() - bandHeight_);
+    m_strip->setGeometry(0, 0, width(), m_bandHeight);
+    m_stack->setGeometry(0, m_bandHeight, width(), height() - m_bandHeight);
     QWidget::resizeEvent(event);
 }
 
@@ -144,18 +140,14 @@ void TabContainer::paintEvent(QPaintEvent*) {
     QStylePainter painter(this);
     QStyleOptionTabWidgetFrame frame;
     frame.initFrom(this);
-    frame.rect = QRect(0, bandHeight_, width(), height() - bandHeight_);
+    frame.rect = QRect(0, m_bandHeight, width(), height() - m_bandHeight);
     frame.shape = QTabBar::RoundedNorth;
     painter.drawPrimitive(QStyle::PE_FrameTabWidget, frame);
 }
 
 void TabContainer::cycle(int step) {
-    const int pages = strip_->count();
+    const int pages = m_strip->count();
     setCurrentIndex(((currentIndex() + step) % pages + pages) % pages);
-}
-
-QRect TabContainer::toPage(const QRect& containerRect) const {
-    return containerRect.translated(0, -bandHeight_);
 }
 
 }  // namespace lorekeep::ui

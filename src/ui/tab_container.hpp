@@ -14,10 +14,10 @@ class TwoRowTabStrip : public QWidget {
   public:
     TwoRowTabStrip(QStringList captions, int tabsPerRow, int rowHeight, QWidget* parent = nullptr);
 
-    int currentIndex() const { return current_; }
+    int currentIndex() const { return m_current; }
     void setCurrentIndex(int index);
-    int count() const { return static_cast<int>(captions_.size()); }
-    QString tabText(int index) const { return captions_.value(index); }
+    int count() const { return static_cast<int>(m_captions.size()); }
+    QString tabText(int index) const { return m_captions.value(index); }
     QRect tabRect(int index) const;
     int tabAt(const QPoint& point) const;
 
@@ -30,40 +30,40 @@ class TwoRowTabStrip : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    QStringList captions_;
-    int tabsPerRow_;
-    int rowHeight_;
-    int current_ = 0;
+    QStringList m_captions;
+    int m_tabsPerRow;
+    int m_rowHeight;
+    int m_current = 0;
 };
 
-// The tab container: the strip above a stack of pages. Children of a page
-// are placed in the container's own coordinates, strip included, so that
-// positions measured from the container's corner stay as they are.
+// The tab container: the strip above a stack of pages.
 class TabContainer : public QWidget {
     Q_OBJECT
 
   public:
     TabContainer(QStringList captions, int tabsPerRow, int rowHeight, QWidget* parent = nullptr);
 
-    TwoRowTabStrip* strip() const { return strip_; }
-    QWidget* page(int index) const { return stack_->widget(index); }
-    int currentIndex() const { return strip_->currentIndex(); }
-    void setCurrentIndex(int index) { strip_->setCurrentIndex(index); }
+    TwoRowTabStrip* strip() const { return m_strip; }
+    QWidget* page(int index) const { return m_stack->widget(index); }
+    int currentIndex() const { return m_strip->currentIndex(); }
+    void setCurrentIndex(int index) { m_strip->setCurrentIndex(index); }
+
+    // Adds the next page. Its children are placed in the container's own
+    // coordinates less pageOffset(), the height of the tab band.
+    void addPage(QWidget* page) { m_stack->addWidget(page); }
+    QPoint pageOffset() const { return {0, m_bandHeight}; }
 
     // Moves to the next or previous page, wrapping around.
     void cycle(int step);
-
-    // Converts a rectangle in the container's coordinates to a page's.
-    QRect toPage(const QRect& containerRect) const;
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    TwoRowTabStrip* strip_;
-    QStackedWidget* stack_;
-    int bandHeight_;
+    TwoRowTabStrip* m_strip;
+    QStackedWidget* m_stack;
+    int m_bandHeight;
 };
 
 }  // namespace lorekeep::ui

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QRect>
+#include <QWidget>
 #include <array>
 #include <string_view>
+
+#include "ui/qt_text.hpp"
 
 // Where every control of the main window stands, in twips, and the texts it
 // shows. A twip is 1/15 of a device-independent pixel.
@@ -17,9 +20,28 @@ struct TwipRect {
 
 inline constexpr int kTwipsPerPixel = 15;
 
-constexpr QRect ToPixels(TwipRect r) {
+constexpr QRect toPixels(TwipRect r) {
     return {r.left / kTwipsPerPixel, r.top / kTwipsPerPixel, r.width / kTwipsPerPixel,
             r.height / kTwipsPerPixel};
+}
+
+// Puts a control at its place under its name: `where` is measured from the
+// corner of what the tables measure it from, which lies `offset` pixels
+// before the corner of the widget's parent.
+template <typename W>
+W* place(W* widget, TwipRect where, const QString& name, std::u16string_view tip = {},
+         QPoint offset = {}) {
+    widget->setGeometry(toPixels(where).translated(-offset));
+    widget->setObjectName(name);
+    if (!tip.empty()) {
+        widget->setToolTip(toQString(tip));
+    }
+    return widget;
+}
+
+// A control array element's name: "cmdOK(2)".
+inline QString indexedName(const char* name, int index) {
+    return QStringLiteral("%1(%2)").arg(QLatin1String(name)).arg(index);
 }
 
 inline constexpr TwipRect kClientArea{0, 0, 6315, 7065};
@@ -75,9 +97,7 @@ inline constexpr std::u16string_view kCmdColorCaption = u"Colour";
 inline constexpr std::u16string_view kCmdOKCaption = u"OK";
 inline constexpr std::u16string_view kCmdCopyCaption = u"Copy Text to all Other Languages";
 inline constexpr std::u16string_view kColourBoxInitialText = u"0";
-inline constexpr std::u16string_view kFontBoxInitialText = u"Font";
-inline constexpr std::array<std::u16string_view, 5> kFontNames{
-    u"Papyrus14", u"Papyrus20", u"SmallFont10", u"MediumFont14", u"MediumFont16"};
+inline constexpr std::u16string_view kFontBoxInitialText = u"Font";  // the list: kFontNames
 
 inline constexpr std::u16string_view kTxtLocTip = u"Folder where the schema file will be saved to";
 inline constexpr std::u16string_view kTxtNameTip =

@@ -1,16 +1,16 @@
 #include <gtest/gtest.h>
 
 #include "markup/markers.hpp"
-#include "support/render_helpers.hpp"
-#include "support/test_text.hpp"
+#include "markup/renderer.hpp"
+#include "support/reference_renderer.hpp"
+#include "support/test_support.hpp"
 
 namespace lorekeep::markup {
 namespace {
 
-using testing::Escaped;
-using testing::RenderWithProgram;
-using testing::RenderWithReference;
-using testing::T;
+using testing::colourOfEachCharacter;
+using testing::escaped;
+using testing::referenceRender;
 
 const Text kPage = u"\r" + Text(kPageBreakLine) + u"\r";
 
@@ -31,8 +31,8 @@ class RenderedText : public ::testing::TestWithParam<TextCase> {};
 
 TEST_P(RenderedText, BothRenderersGiveTheExpectedTextAndCaret) {
     const TextCase& c = GetParam();
-    for (const RenderedPreview& r : {RenderWithProgram(c.body), RenderWithReference(c.body)}) {
-        EXPECT_EQ(Escaped(r.text), Escaped(c.text));
+    for (const RenderedPreview& r : {renderPreview(c.body), referenceRender(c.body)}) {
+        EXPECT_EQ(escaped(r.text), escaped(c.text));
         EXPECT_EQ(r.caret, c.caret);
         EXPECT_EQ(r.selectionLength, c.selectionLength);
     }
@@ -74,28 +74,17 @@ INSTANTIATE_TEST_SUITE_P(
         TextCase{"EmptyComponents", uR"(\n<dc=,,>\nX)", u"(R:,G:,B:) X", 1},
         TextCase{"PageBreakGrowsAndTheScanFollows", uR"(A\n<pb>\nBCD\n<br>\nE)",
                  u"A" + kPage + u"BCD\rE", 46},
+        TextCase{"BeyondSixteenBits", Text(40000, u'a') + uR"(\n<br>\nb\n<dc=1,2,3>\nc)",
+                 Text(40000, u'a') + u"\rb(R:1,G:2,B:3) c", 40003},
         TextCase{"MarkersInARow", uR"(\n<br>\n\n<p>\n\n<pb>\n)", u"\r\r\r" + kPage, 4}),
     [](const auto& tc) { return std::string(tc.param.name); });
 
-std::vector<CharColour> Expand(const RenderedPreview& r) {
-    return ColourOfEachCharacter(r);
-}
-
-TEST(RendererColours, MarkerColoursItsOwnReplacementAndEverythingAfter) {
-    const auto r = RenderWithProgram(uR"(ab\n<dc=0,0,255>\ncd)");
-    ASSERT_EQ(r.text, u"ab(R:0,G:0,B:255) cd");
-    const auto colours = Expand(r);
-    EXPECT_EQ(colours[0], CharColour{});
-    EXPECT_EQ(colours[1], CharColour{});
-    for (std::size_t k = 2; k < colours.size(); ++k) {
-        EXPECT_EQ(colours[k], CharColour(Rgb{0, 0, 255})) << k;
-    }
-}
-
 TEST(RendererColours, LaterMarkerTakesOverFromItsOwnPosition) {
-    const auto r = RenderWithProgram(uR"(\n<dc=255,0,0>\nx\n<dc=0,255,0>\ny)");
-    ASSERT_EQ(r.text, u"(R:255,G:0,B:0) x(R:0,G:255,B:0) y");
-    EXPECT_EQ(r.colours, (std::vector<ColourRun>{{0, Rgb{255, 0, 0}}, {17, Rgb{0, 255, 0}}}));
+    // Each marker colours its own replacement and everything after it.
+    const auto r = renderPreview(uR"(a\n<dc=255,0,0>\nx\n<dc=0,255,0>\ny)");
+    ASSERT_EQ(r.text, u"a(R:255,G:0,B:0) x(R:0,G:255,B:0) y");
+    EXPECT_EQ(r.colours,
+              (std::vector<ColourRun>{{0, {}}, {1, Rgb{255, 0, 0}}, {18, Rgb{0, 255, 0}}}));
 }
 
 TEST(RendererColours, ComponentsAreClampedOrTheColouringIsSkipped) {
@@ -106,9 +95,9 @@ TEST(RendererColours, ComponentsAreClampedOrTheColouringIsSkipped) {
         {uR"(\n<dc=1,2,3 >\nX)", CharColour{}},
     };
     for (const auto& [body, colour] : cases) {
-        const auto colours = Expand(RenderWithProgram(body));
+        const auto colours = colourOfEachCharacter(renderPreview(body));
         ASSERT_FALSE(colours.empty());
-        EXPECT_EQ(colours.back(), colour) << Escaped(body);
+        EXPECT_EQ(colours.back(), colour) << escaped(body);
     }
 }
 
@@ -127,18 +116,9 @@ TEST(RendererAlignment, ParagraphsFollowTheirJustificationMarkers) {
          {Alignment::Centre, Alignment::Right, Alignment::Left}},
     };
     for (const auto& [body, paragraphs] : cases) {
-        EXPECT_EQ(RenderWithProgram(body).paragraphs, paragraphs) << Escaped(body);
-        EXPECT_EQ(RenderWithReference(body).paragraphs, paragraphs) << Escaped(body);
+        EXPECT_EQ(renderPreview(body).paragraphs, paragraphs) << escaped(body);
+        EXPECT_EQ(referenceRender(body).paragraphs, paragraphs) << escaped(body);
     }
-}
-
-TEST(Renderer, TextsBeyondSixteenBitsRenderByTheSameRules) {
-    Text body(40000, u'a');
-    body += uR"(\n<br>\nb\n<dc=1,2,3>\nc)";
-    const auto r = RenderWithProgram(body);
-    EXPECT_EQ(r.text, Text(40000, u'a') + u"\rb(R:1,G:2,B:3) c");
-    EXPECT_EQ(r.caret, 40003u);
-    EXPECT_EQ(r, RenderWithReference(body));
 }
 
 }  // namespace

@@ -13,19 +13,19 @@ namespace lorekeep::testing {
 // Such text reaches every branch of the renderer and most of its odd corners.
 class MarkerSoup {
   public:
-    explicit MarkerSoup(std::uint32_t seed) : random_(seed) {}
+    explicit MarkerSoup(std::uint32_t seed) : m_random(seed) {}
 
-    Text Next(std::size_t maxLength) {
+    Text next(std::size_t maxLength) {
         std::uniform_int_distribution<std::size_t> lengthPick(0, maxLength);
-        const std::size_t length = lengthPick(random_);
+        const std::size_t length = lengthPick(m_random);
         Text body;
         while (body.size() < length) {
-            body.append(Piece());
+            body.append(piece());
         }
         return body;
     }
 
-    Text Piece() {
+    Text piece() {
         static const std::array<std::u16string_view, 49> kPieces{
             markup::kLeftJustify, markup::kCentre, markup::kRightJustify, markup::kLineBreak,
             markup::kParagraphBreak, markup::kPageBreak, markup::kColourBlack, markup::kColourOpen,
@@ -38,11 +38,11 @@ class MarkerSoup {
             // fillers that put a colour marker's closing separator near the end of its reach
             u"abcdefghijklmnopqrst", u"0123456789", u"abcdefghijklmnopqrstuvwxyz"};
         std::uniform_int_distribution<std::size_t> pick(0, kPieces.size() - 1);
-        return Text(kPieces[pick(random_)]);
+        return Text(kPieces[pick(m_random)]);
     }
 
   private:
-    std::mt19937 random_;
+    std::mt19937 m_random;
 };
 
 }  // namespace lorekeep::testing

@@ -1,17 +1,113 @@
 #include "support/reference_renderer.hpp"
 
+#include <algorithm>
+
 #include "markup/markers.hpp"
-#include "markup/mod_schema_parse.hpp"
+#include "markup/renderer.hpp"
 
 namespace lorekeep::testing {
 
 namespace {
 
 using markup::Alignment;
-using markup::PreviewPane;
+using markup::CharColour;
+using markup::RenderedPreview;
+using markup::Rgb;
+
+// A rich-text box held in memory, character by character. Formatting follows
+// the characters: a replacement keeps the colour of every character it does
+// not replace, and the characters it inserts take the colour of the last
+// character they replace (of the character in front when nothing is
+// replaced; the default colour at the very start). Paragraphs split and join
+// with their separators, keeping the alignment of the paragraph that was
+// split or of the first one that was joined.
+class ModelPane {
+  public:
+    explicit ModelPane(TextView text)
+        : m_text(text),
+          m_colours(text.size()),
+          m_paragraphs(separators(text) + 1, Alignment::Left) {}
+
+    Text readText() const { return m_text; }
+
+    void replaceText(std::size_t offset, std::size_t count, TextView with) {
+        offset = std::min(offset, m_text.size());
+        count = std::min(count, m_text.size() - offset);
+        CharColour inserted;
+        if (count > 0) {
+            inserted = m_colours[offset + count - 1];
+        } else if (offset > 0) {
+            inserted = m_colours[offset - 1];
+        }
+        const std::size_t paragraph = paragraphAt(offset);
+        const Alignment alignment = m_paragraphs[paragraph];
+        const auto first = m_paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraph);
+        m_paragraphs.erase(first,
+                           first + static_cast<std::ptrdiff_t>(
+                                       separators(TextView(m_text).substr(offset, count)) + 1));
+        m_paragraphs.insert(m_paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraph),
+                            separators(with) + 1, alignment);
+        m_text.replace(offset, count, with);
+        const auto at = m_colours.begin() + static_cast<std::ptrdiff_t>(offset);
+        m_colours.erase(at, at + static_cast<std::ptrdiff_t>(count));
+        m_colours.insert(m_colours.begin() + static_cast<std::ptrdiff_t>(offset), with.size(),
+                         inserted);
+        m_start = std::min(m_start, m_text.size());
+        m_length = std::min(m_length, m_text.size() - m_start);
+    }
+
+    void placeCaret(std::size_t offset) {
+        m_start = std::min(offset, m_text.size());
+        m_length = 0;
+    }
+
+    void selectToEnd(std::size_t offset) {
+        m_start = std::min(offset, m_text.size());
+        m_length = m_text.size() - m_start;
+    }
+
+    void colourSelection(Rgb colour) {
+        std::fill_n(m_colours.begin() + static_cast<std::ptrdiff_t>(m_start), m_length,
+                    CharColour(colour));
+    }
+
+    // Every paragraph the selection touches; an empty selection aligns the
+    // paragraph in which it stands.
+    void alignSelection(Alignment alignment) {
+        std::fill(
+            m_paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraphAt(m_start)),
+            m_paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraphAt(m_start + m_length) + 1),
+            alignment);
+    }
+
+    RenderedPreview snapshot() const {
+        RenderedPreview preview{m_text, {}, m_paragraphs, m_start, m_length};
+        for (std::size_t k = 0; k < m_colours.size(); ++k) {
+            if (k == 0 || m_colours[k] != m_colours[k - 1]) {
+                preview.colours.push_back({k, m_colours[k]});
+            }
+        }
+        return preview;
+    }
+
+  private:
+    static std::size_t separators(TextView text) {
+        return static_cast<std::size_t>(
+            std::count_if(text.begin(), text.end(), markup::isParagraphSeparator));
+    }
+    std::size_t paragraphAt(std::size_t offset) const {
+        return separators(TextView(m_text).substr(0, std::min(offset, m_text.size())));
+    }
+
+    Text m_text;
+    std::vector<CharColour> m_colours;
+    std::vector<Alignment> m_paragraphs;
+    std::size_t m_start = 0;
+    std::size_t m_length = 0;
+};
 
 // "The n characters from p", 1-based, cut short at the end of T.
-Text From(const Text& t, long p, long n) {
+Text from(const Text& t, long p, long n) {
     if (p < 1 || p > static_cast<long>(t.size()) || n <= 0) {
         return {};
     }
@@ -19,67 +115,65 @@ Text From(const Text& t, long p, long n) {
 }
 
 // A test on characters beyond the end of T fails.
-bool CharactersAre(const Text& t, long p, std::u16string_view what) {
+bool charactersAre(const Text& t, long p, std::u16string_view what) {
     return p >= 1 && p - 1 + static_cast<long>(what.size()) <= static_cast<long>(t.size()) &&
-           From(t, p, static_cast<long>(what.size())) == what;
+           from(t, p, static_cast<long>(what.size())) == what;
 }
 
-bool CharacterIs(const Text& t, long p, char16_t c) {
+bool characterIs(const Text& t, long p, char16_t c) {
     return p >= 1 && p <= static_cast<long>(t.size()) && t[static_cast<std::size_t>(p - 1)] == c;
 }
 
 // "Replace the n characters from i by X".
-void Replace(PreviewPane& pane, long i, long n, std::u16string_view x) {
-    pane.ReplaceText(static_cast<std::size_t>(i - 1), static_cast<std::size_t>(n), x);
+void replace(ModelPane& pane, long i, long n, std::u16string_view x) {
+    pane.replaceText(static_cast<std::size_t>(i - 1), static_cast<std::size_t>(n), x);
 }
 
-void Justify(PreviewPane& pane, long i, Alignment alignment) {
-    Replace(pane, i, 8, u"");                       // J1
-    pane.SelectToEnd(static_cast<std::size_t>(i));  // J2: offset i, not i - 1
-    pane.AlignSelection(alignment);                 // J3
+void justify(ModelPane& pane, long i, Alignment alignment) {
+    replace(pane, i, 8, u"");                       // J1
+    pane.selectToEnd(static_cast<std::size_t>(i));  // J2: offset i, not i - 1
+    pane.alignSelection(alignment);                 // J3
 }
 
-long ComponentLength(const Text& t, long from, char16_t terminator) {
+long componentLength(const Text& t, long from, char16_t terminator) {
     for (long x = 0; x <= 3; ++x) {
-        if (CharacterIs(t, from + x, terminator)) {
+        if (characterIs(t, from + x, terminator)) {
             return x;
         }
     }
     return 4;
 }
 
-void Colour(PreviewPane& pane, long i) {
-    const Text t = pane.ReadText();
-    const long j = ComponentLength(t, i + 6, u',');  // C1
-    const Text r = From(t, i + 6, j);
-    const long k = ComponentLength(t, i + 7 + j, u',');  // C2
-    const Text g = From(t, i + 7 + j, k);
-    const long m = ComponentLength(t, i + 8 + j + k, markup::kTagEnd);  // C3
-    const Text b = From(t, i + 8 + j + k, m);
+void colour(ModelPane& pane, long i) {
+    const Text t = pane.readText();
+    const long j = componentLength(t, i + 6, u',');  // C1
+    const Text r = from(t, i + 6, j);
+    const long k = componentLength(t, i + 7 + j, u',');  // C2
+    const Text g = from(t, i + 7 + j, k);
+    const long m = componentLength(t, i + 8 + j + k, markup::kTagEnd);  // C3
+    const Text b = from(t, i + 8 + j + k, m);
 
-    pane.SelectToEnd(static_cast<std::size_t>(i));  // C4
-    const auto red = modSchemaParse::ColourComponentValue(r);
-    const auto green = modSchemaParse::ColourComponentValue(g);
-    const auto blue = modSchemaParse::ColourComponentValue(b);
+    pane.selectToEnd(static_cast<std::size_t>(i));  // C4
+    const auto red = markup::colourComponentValue(r);
+    const auto green = markup::colourComponentValue(g);
+    const auto blue = markup::colourComponentValue(b);
     if (red && green && blue) {
-        pane.ColourSelection({*red, *green, *blue});
+        pane.colourSelection({*red, *green, *blue});
     }
 
     long e = i + 33;  // C5
     for (long p = i + 3; p <= i + 32; ++p) {
-        if (CharactersAre(t, p, markup::kSeparator)) {
+        if (charactersAre(t, p, markup::kSeparator)) {
             e = p + 2;
             break;
         }
     }
     // C6: the first i - 1 characters, the shown components, T from e.
-    Replace(pane, i, e - i, markup::ShownColour(r, g, b));
-    pane.PlaceCaret(static_cast<std::size_t>(i));
+    replace(pane, i, e - i, markup::shownColour(r, g, b));
+    pane.placeCaret(static_cast<std::size_t>(i));
 }
 
-}  // namespace
-
-void ReferenceParseSchemaText(PreviewPane& pane) {
+void parseInPlace(ModelPane& pane) {
     const Text pageBreak = Text(1, markup::kLineBreakCharacter) + Text(markup::kPageBreakLine) +
                            Text(1, markup::kLineBreakCharacter);
     long i = 1;  // step 1
@@ -87,44 +181,66 @@ void ReferenceParseSchemaText(PreviewPane& pane) {
     bool changed = true;
     for (;;) {
         if (changed) {  // every later test reads the text that the replacement left
-            t = pane.ReadText();
+            t = pane.readText();
             changed = false;
         }
         if (i >= static_cast<long>(t.size())) {  // step 2
             return;
         }
-        if (!CharactersAre(t, i, markup::kSeparator)) {  // step 3
+        if (!charactersAre(t, i, markup::kSeparator)) {  // step 3
             ++i;
             continue;
         }
         changed = true;
-        if (CharactersAre(t, i + 3, markup::kTagFont)) {  // step 4, rows 1-8
+        if (charactersAre(t, i + 3, markup::kTagFont)) {  // step 4, rows 1-8
             changed = false;
-        } else if (CharactersAre(t, i + 3, markup::kTagColour)) {
-            Colour(pane, i);
-        } else if (CharactersAre(t, i + 3, markup::kTagLeft)) {
-            Justify(pane, i, Alignment::Left);
+        } else if (charactersAre(t, i + 3, markup::kTagColour)) {
+            colour(pane, i);
+        } else if (charactersAre(t, i + 3, markup::kTagLeft)) {
+            justify(pane, i, Alignment::Left);
             continue;
-        } else if (CharactersAre(t, i + 3, markup::kTagRight)) {
-            Justify(pane, i, Alignment::Right);
+        } else if (charactersAre(t, i + 3, markup::kTagRight)) {
+            justify(pane, i, Alignment::Right);
             continue;
-        } else if (CharactersAre(t, i + 3, markup::kTagCentre)) {
-            Justify(pane, i, Alignment::Centre);
+        } else if (charactersAre(t, i + 3, markup::kTagCentre)) {
+            justify(pane, i, Alignment::Centre);
             continue;
-        } else if (CharactersAre(t, i + 3, markup::kTagLineBreak)) {
-            Replace(pane, i, 8, Text(1, markup::kLineBreakCharacter));
-            pane.PlaceCaret(static_cast<std::size_t>(i));
-        } else if (CharactersAre(t, i + 3, markup::kTagParagraph)) {
-            Replace(pane, i, 7, Text(2, markup::kLineBreakCharacter));
-            pane.PlaceCaret(static_cast<std::size_t>(i));
-        } else if (CharactersAre(t, i + 3, markup::kTagPageBreak)) {
-            Replace(pane, i, 8, pageBreak);
-            pane.PlaceCaret(static_cast<std::size_t>(i));
+        } else if (charactersAre(t, i + 3, markup::kTagLineBreak)) {
+            replace(pane, i, 8, Text(1, markup::kLineBreakCharacter));
+            pane.placeCaret(static_cast<std::size_t>(i));
+        } else if (charactersAre(t, i + 3, markup::kTagParagraph)) {
+            replace(pane, i, 7, Text(2, markup::kLineBreakCharacter));
+            pane.placeCaret(static_cast<std::size_t>(i));
+        } else if (charactersAre(t, i + 3, markup::kTagPageBreak)) {
+            replace(pane, i, 8, pageBreak);
+            pane.placeCaret(static_cast<std::size_t>(i));
         } else {  // no known tag: the separator and what follows stay
             changed = false;
         }
         ++i;  // step 5
     }
+}
+
+}  // namespace
+
+RenderedPreview referenceRender(TextView body) {
+    ModelPane pane(body);
+    parseInPlace(pane);
+    return pane.snapshot();
+}
+
+std::vector<CharColour> colourOfEachCharacter(const RenderedPreview& preview) {
+    std::vector<CharColour> colours(preview.text.size());
+    for (std::size_t k = 0; k < preview.colours.size(); ++k) {
+        const std::size_t end =
+            k + 1 < preview.colours.size() ? preview.colours[k + 1].start : colours.size();
+        const std::size_t start = std::min(preview.colours[k].start, colours.size());
+        std::fill(colours.begin() + static_cast<std::ptrdiff_t>(start),
+                  colours.begin() +
+                      static_cast<std::ptrdiff_t>(std::max(start, std::min(end, colours.size()))),
+                  preview.colours[k].colour);
+    }
+    return colours;
 }
 
 }  // namespace lorekeep::testing

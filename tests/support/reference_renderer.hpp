@@ -1,13 +1,19 @@
 #pragma once
 
-#include "markup/preview_pane.hpp"
+#include <vector>
+
+#include "markup/preview.hpp"
 
 namespace lorekeep::testing {
 
-// The preview algorithm followed step by step: positions from 1, every
-// replacement spliced into the pane at once and every later test reading the
-// text it left. Quadratic, and meant to be: it is the oracle that the
-// program's one-pass renderer is checked against, never used by the program.
-void ReferenceParseSchemaText(markup::PreviewPane& pane);
+// The preview algorithm followed step by step on a pane held in memory:
+// positions from 1, every replacement spliced into the pane at once and every
+// later test reading the text it left, formatting following the characters.
+// Quadratic, and meant to be: the oracle that the program's one-pass renderer
+// is checked against.
+markup::RenderedPreview referenceRender(TextView body);
+
+// The colour of every character, expanded from a preview's runs.
+std::vector<markup::CharColour> colourOfEachCharacter(const markup::RenderedPreview& preview);
 
 }  // namespace lorekeep::testing

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstddef>
+
+#include "markup/preview.hpp"
+#include "markup/text.hpp"
+
+// The small control interfaces that the window's behaviour is written
+// against. The window implements them with real widgets; tests with fakes.
+namespace lorekeep::editor {
+
+// A modal message box with a single OK button and no icon.
+class MessageBox {
+  public:
+    virtual ~MessageBox() = default;
+    virtual void showMessage(TextView text, TextView title) = 0;
+};
+
+// A multi-line rich-text box as the commands use it: plain text only.
+class EditorBox {
+  public:
+    virtual ~EditorBox() = default;
+    virtual Text plainText() const = 0;
+    // Replaces the whole text; raises the box's text-changed notification.
+    virtual void replaceText(TextView text) = 0;
+    // Characters in front of the caret (with a selection, its start).
+    virtual std::size_t caretPosition() const = 0;
+    // A position beyond the end puts the caret at the end.
+    virtual void setCaretPosition(std::size_t position) = 0;
+    virtual void giveFocus() = 0;
+};
+
+// A preview pane: shows a rendered body, its colours and alignments.
+class PreviewPane {
+  public:
+    virtual ~PreviewPane() = default;
+    virtual void showPreview(const markup::RenderedPreview& preview) = 0;
+};
+
+// A single-line text box.
+class TextBox {
+  public:
+    virtual ~TextBox() = default;
+    virtual Text text() const = 0;
+    virtual void setText(TextView text) = 0;
+    virtual void setEnabled(bool enabled) = 0;
+};
+
+class Button {
+  public:
+    virtual ~Button() = default;
+    virtual void setEnabled(bool enabled) = 0;
+    virtual void setBackgroundColour(markup::Rgb colour) = 0;
+};
+
+// The font box: an editable drop-down list of the game's fonts.
+class FontBox {
+  public:
+    virtual ~FontBox() = default;
+    virtual Text currentText() const = 0;
+    // Selects a list entry; its text becomes the box's text.
+    virtual void setCurrentEntry(int position) = 0;
+    // Shows a text that is no list entry; nothing is selected.
+    virtual void setEditText(TextView text) = 0;
+};
+
+// The window's one file dialog, in its save form: the user picks an existing
+// file or types a new name. A chosen path that is empty means cancelled.
+class FileDialog {
+  public:
+    virtual ~FileDialog() = default;
+    virtual void setDefaultSuffix(TextView suffix) = 0;
+    virtual void setTitle(TextView title) = 0;
+    virtual void setFilter(TextView description, TextView pattern) = 0;
+    // Modal; returns when the user has chosen or cancelled.
+    virtual void exec() = 0;
+    // The chosen file's full path, and its name without the directory.
+    virtual Text chosenPath() const = 0;
+    virtual Text chosenFileName() const = 0;
+    virtual void clearChosenPath() = 0;
+};
+
+}  // namespace lorekeep::editor

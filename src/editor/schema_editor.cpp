@@ -1,0 +1,218 @@
+#include "editor/schema_editor.hpp"
+
+#include <new>
+
+#include "editor/text_edits.hpp"
+#include "editor/texts.hpp"
+#include "markup/markers.hpp"
+#include "markup/renderer.hpp"
+#include "schema/schema_file.hpp"
+
+namespace lorekeep::editor {
+
+namespace {
+
+constexpr int kEnterKey = 13;
+// The name box takes the chosen file's name less this many characters.
+constexpr std::size_t kExtensionLength = 4;
+
+}  // namespace
+
+void SchemaEditor::textChanged(int box) {
+    if (box < 0 || box >= kPreviewIndexOffset) {
+        return;
+    }
+    m_controls.previewPanes[box]->showPreview(
+        markup::renderPreview(m_controls.richTextBoxes[box]->plainText()));
+}
+
+void SchemaEditor::characterTyped(int box, int& code) {
+    if (code != kEnterKey) {
+        return;
+    }
+    EditorBox& editor = *m_controls.richTextBoxes[box];
+    const TextEdit edit = breakKeyEdit(editor.plainText(), editor.caretPosition());
+    editor.replaceText(edit.text);
+    editor.setCaretPosition(edit.caret);
+    code = 0;
+}
+
+void SchemaEditor::insertAtCaret(int language, TextView marker) {
+    EditorBox& editor = *m_controls.richTextBoxes[language];
+    const TextEdit edit = editor::insertAtCaret(editor.plainText(), editor.caretPosition(), marker);
+    editor.replaceText(edit.text);
+    editor.giveFocus();
+    editor.setCaretPosition(edit.caret);
+}
+
+void SchemaEditor::justify(int language, bool MarkerState::*own, bool MarkerState::*firstOther,
+                           bool MarkerState::*secondOther, TextView marker) {
+    MarkerState& state = m_state[language];
+    state.*own = toggle(state.*own);
+    if (!(state.*own)) {
+        return;
+    }
+    if (state.*firstOther) {
+        state.*firstOther = false;
+    } else if (state.*secondOther) {
+        state.*secondOther = false;
+    }
+    insertAtCaret(language, marker);
+}
+
+void SchemaEditor::leftJustifyClicked(int language) {
+    justify(language, &MarkerState::leftJustifyOn, &MarkerState::rightJustifyOn,
+            &MarkerState::centreOn, markup::kLeftJustify);
+}
+
+void SchemaEditor::centreClicked(int language) {
+    justify(language, &MarkerState::centreOn, &MarkerState::leftJustifyOn,
+            &MarkerState::rightJustifyOn, markup::kCentre);
+}
+
+void SchemaEditor::rightJustifyClicked(int language) {
+    justify(language, &MarkerState::rightJustifyOn, &MarkerState::leftJustifyOn,
+            &MarkerState::centreOn, markup::kRightJustify);
+}
+
+void SchemaEditor::colourClicked(int language) {
+    MarkerState& state = m_state[language];
+    state.colourOn = toggle(state.colourOn);
+    if (state.colourOn) {
+        for (int c = 0; c < kColourBoxesPerLanguage; ++c) {
+            m_controls.colourBoxes[kColourBoxesPerLanguage * language + c]->setEnabled(true);
+        }
+        m_controls.okButtons[language]->setEnabled(true);
+    } else {
+        insertAtCaret(language, markup::kColourBlack);
+    }
+}
+
+void SchemaEditor::okClicked(int language) {
+    std::array<Text, kColourBoxesPerLanguage> typed;
+    std::array<std::uint8_t, kColourBoxesPerLanguage> values{};
+    bool allValid = true;
+    for (int c = 0; c < kColourBoxesPerLanguage; ++c) {  // every box, in order, in every case
+        typed[c] = m_controls.colourBoxes[kColourBoxesPerLanguage * language + c]->text();
+        const auto value = wholeNumber(typed[c]);
+        if (!value || *value < 0 || *value > 255) {
+            allValid = false;
+        } else {
+            values[c] = static_cast<std::uint8_t>(*value);
+        }
+    }
+    if (!allValid) {
+        m_controls.messages->showMessage(texts::kColourOutOfRange, texts::kColourOutOfRangeTitle);
+        return;
+    }
+    m_controls.colourButtons[language]->setBackgroundColour({values[0], values[1], values[2]});
+    // The components go in exactly as typed.
+    insertAtCaret(language, markup::colourMarker(typed[0], typed[1], typed[2]));
+    for (int c = 0; c < kColourBoxesPerLanguage; ++c) {
+        TextBox& box = *m_controls.colourBoxes[kColourBoxesPerLanguage * language + c];
+        box.setEnabled(false);
+        box.setText(u"0");
+    }
+    m_controls.okButtons[language]->setEnabled(false);
+}
+
+void SchemaEditor::copyClicked(int language) {
+    const Text source = m_controls.richTextBoxes[language]->plainText();
+    for (int i = 0; i < kLanguageCount; ++i) {
+        if (i != language) {
+            m_controls.richTextBoxes[i]->replaceText(source);
+        }
+    }
+}
+
+void SchemaEditor::locationClicked() {
+    FileDialog& dialog = *m_controls.fileDialog;
+    dialog.setDefaultSuffix(texts::kSchemaDefaultExtension);
+    dialog.setTitle(texts::kLocationDialogTitle);
+    dialog.setFilter(texts::kSchemaFilterDescription, texts::kSchemaFilterPattern);
+    dialog.exec();
+    const Text path = dialog.chosenPath();
+    if (path.empty()) {
+        return;  // cancelled
+    }
+    const Text name = dialog.chosenFileName();
+    // The folder keeps its trailing separator.
+    m_controls.folderBox->setText(
+        TextView(path).substr(0, path.size() - std::min(name.size(), path.size())));
+    // The last four characters go, whatever they are; a shorter name has no
+    // sound reading, so the name box keeps what it had.
+    if (name.size() >= kExtensionLength) {
+        m_controls.nameBox->setText(TextView(name).substr(0, name.size() - kExtensionLength));
+    }
+    dialog.clearChosenPath();
+}
+
+bool SchemaEditor::folderAndNameGiven() {
+    // Spaces count as something.
+    if (m_controls.folderBox->text().empty() || m_controls.nameBox->text().empty()) {
+        m_controls.messages->showMessage(texts::kFolderOrNameMissing, texts::kProgramTitle);
+        return false;
+    }
+    return true;
+}
+
+void SchemaEditor::saveClicked() {
+    if (folderAndNameGiven()) {
+        save(m_controls.nameBox->text(), m_controls.folderBox->text());
+    }
+}
+
+void SchemaEditor::loadClicked() {
+    if (folderAndNameGiven()) {
+        load(m_controls.nameBox->text(), m_controls.folderBox->text());
+    }
+}
+
+void SchemaEditor::save(TextView schemaName, TextView schemaFolder) {
+    bool saved = false;
+    try {
+        SchemaDocument document;
+        document.name = Text(schemaName);
+        document.folder = Text(schemaFolder);
+        document.font = m_controls.fontBox->currentText();
+        for (int i = 0; i < kLanguageCount; ++i) {
+            document.entries[i] = {m_controls.titleBoxes[i]->text(),
+                                   m_controls.richTextBoxes[i]->plainText()};
+        }
+        // One reading of the clock: all four records carry the same stamp.
+        saved = static_cast<bool>(saveSchema(document, m_controls.clock->now()));
+    } catch (const std::bad_alloc&) {
+        saved = false;  // a body too big to gather: the same one message
+    }
+    if (!saved) {
+        m_controls.messages->showMessage(texts::kSaveFailed, texts::kProgramTitle);
+    }
+}
+
+void SchemaEditor::load(TextView schemaName, TextView schemaFolder) {
+    // Nothing in the window changes until the whole file has been read.
+    const LoadResult loaded = loadSchema(schemaFolder, schemaName, readerOptions);
+    for (std::size_t i = 0; i < loaded.read.records.size(); ++i) {
+        const RecordRead& record = loaded.read.records[i];
+        if (record.font) {
+            if (record.font->entry >= 0) {
+                m_controls.fontBox->setCurrentEntry(record.font->entry);
+            } else {
+                m_controls.fontBox->setEditText(record.font->text);
+            }
+        }
+        if (record.title) {
+            m_controls.titleBoxes[i]->setText(*record.title);
+        }
+        if (record.body) {
+            // Raises the editor's change notification: its preview follows
+            // before the next language is applied.
+            m_controls.richTextBoxes[i]->replaceText(*record.body);
+        }
+    }
+    if (!loaded.file || !loaded.read.complete()) {
+        m_controls.messages->showMessage(texts::kLoadFailed, texts::kProgramTitle);
+    }
+}
+
+}  // namespace lorekeep::editor

@@ -1,0 +1,72 @@
+#include "editor/text_edits.hpp"
+
+#include <algorithm>
+#include <limits>
+
+#include "markup/markers.hpp"
+
+namespace lorekeep::editor {
+
+TextEdit insertAtCaret(TextView text, std::size_t caret, TextView marker) {
+    const std::size_t p = std::min(caret, text.size());
+    TextEdit edit;
+    edit.text.reserve(text.size() + marker.size());
+    edit.text.append(text.substr(0, p)).append(marker).append(text.substr(p));
+    edit.caret = p + marker.size();
+    return edit;
+}
+
+TextEdit breakKeyEdit(TextView text, std::size_t caret) {
+    const std::size_t p = std::min(caret, text.size());
+    auto before = [&](TextView marker) {
+        return p >= marker.size() && text.substr(p - marker.size(), marker.size()) == marker;
+    };
+    // Replaces the `span` characters before the caret with `marker`.
+    auto replaceBefore = [&](std::size_t span, TextView marker) {
+        TextEdit edit;
+        edit.text.append(text.substr(0, p - span)).append(marker).append(text.substr(p));
+        edit.caret = p + marker.size();
+        return edit;
+    };
+    if (before(markup::kLineBreak)) {
+        return replaceBefore(markup::kLineBreak.size(), markup::kParagraphBreak);
+    }
+    if (before(markup::kPageBreak)) {
+        return replaceBefore(0, markup::kLineBreak);
+    }
+    if (before(markup::kParagraphBreak)) {
+        return replaceBefore(markup::kParagraphBreak.size(), markup::kPageBreak);
+    }
+    TextEdit edit;
+    edit.text.append(text).append(markup::kLineBreak);
+    edit.caret = p + markup::kLineBreak.size();
+    return edit;
+}
+
+std::optional<long long> wholeNumber(TextView text) {
+    while (!text.empty() && text.front() == u' ') {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && text.back() == u' ') {
+        text.remove_suffix(1);
+    }
+    bool negative = false;
+    if (!text.empty() && (text.front() == u'-' || text.front() == u'+')) {
+        negative = text.front() == u'-';
+        text.remove_prefix(1);
+    }
+    if (text.empty()) {
+        return std::nullopt;
+    }
+    constexpr long long kLimit = (std::numeric_limits<long long>::max() - 9) / 10;
+    long long value = 0;
+    for (char16_t c : text) {
+        if (c < u'0' || c > u'9' || value > kLimit) {
+            return std::nullopt;
+        }
+        value = value * 10 + (c - u'0');
+    }
+    return negative ? -value : value;
+}
+
+}  // namespace lorekeep::editor

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+
+#include "markup/text.hpp"
+
+// The editing rules as pure functions: a text and a caret in, the new text
+// and the caret to set out. Positions count UTF-16 units, as the boxes do.
+namespace lorekeep::editor {
+
+struct TextEdit {
+    Text text;
+    std::size_t caret = 0;  // where the caret goes; beyond the end means the end
+
+    bool operator==(const TextEdit&) const = default;
+};
+
+// The marker spliced in at the caret, the caret directly behind it. A caret
+// beyond the end counts as the end.
+TextEdit insertAtCaret(TextView text, std::size_t caret, TextView marker);
+
+// What the Enter key makes of a text: a line break directly before the caret
+// becomes a paragraph break, a paragraph break a page break, and behind a page
+// break a new line break goes in at the caret. Anywhere else a line break is
+// added at the very end of the text. The caret is counted from the old caret,
+// not from the end of the marker written.
+TextEdit breakKeyEdit(TextView text, std::size_t caret);
+
+// A colour box's text as a whole number: optional spaces around, an optional
+// sign, then digits only. Nothing for anything else, or for a number beyond
+// what any integer holds.
+std::optional<long long> wholeNumber(TextView text);
+
+}  // namespace lorekeep::editor

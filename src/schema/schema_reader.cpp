@@ -1,0 +1,263 @@
+#include "schema/schema_reader.hpp"
+
+#include "markup/markers.hpp"
+#include "schema/schema_document.hpp"
+#include "schema/windows1252.hpp"
+
+namespace lorekeep {
+
+namespace {
+
+constexpr char16_t kQuote = u'"';
+constexpr char16_t kComma = u',';
+constexpr std::u16string_view kRecordStart = u"lang_";
+constexpr std::size_t kHeaderFields = 3;
+// Where the key's space is looked for, and how much of the stamp is skipped.
+constexpr std::size_t kKeySpaceSearch = 20;
+constexpr std::size_t kStampLength = 21;
+constexpr std::size_t kFontCandidateStart = 7;  // 1-based, after "<font="
+
+char16_t foldCase(char16_t c) {
+    if ((c >= u'A' && c <= u'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7)) {
+        return static_cast<char16_t>(c + 0x20);
+    }
+    return c;
+}
+
+bool equalIgnoringCase(TextView a, TextView b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t k = 0; k < a.size(); ++k) {
+        if (foldCase(a[k]) != foldCase(b[k])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// 1-based "characters from a to b", empty when the range is empty or beyond the end.
+TextView characters(TextView text, std::size_t from, std::size_t to) {
+    if (from < 1 || from > text.size() || to < from) {
+        return {};
+    }
+    return text.substr(from - 1, to - from + 1);
+}
+
+// The characters after 1-based position p.
+TextView after(TextView text, std::size_t p) {
+    return p >= text.size() ? TextView() : text.substr(p);
+}
+
+// The first entry of the font list equal to `name`, ignoring case.
+std::optional<FontChoice> listedFont(TextView name) {
+    for (std::size_t k = 0; k < kFontNames.size(); ++k) {
+        if (equalIgnoringCase(name, kFontNames[k])) {
+            return FontChoice{static_cast<int>(k), Text(kFontNames[k])};
+        }
+    }
+    return std::nullopt;
+}
+
+// A field is the rest of a line up to a comma or the line end, after any
+// leading spaces; spaces at its end stay. A field that opens with a double
+// quote runs to the next double quote on its line (to the line end when there
+// is none), and whatever stands between that closing quote and the next comma
+// or line end is added to it: only the two quote characters are lost.
+class FieldReader {
+  public:
+    explicit FieldReader(TextView text) : m_text(text) {}
+
+    // True when no character is left after the last field read.
+    bool atEnd() const { return m_next >= m_text.size(); }
+
+    // The next field; nothing when no character is left to read.
+    std::optional<Text> readField() {
+        if (atEnd()) {
+            return std::nullopt;
+        }
+        while (m_next < m_text.size() && m_text[m_next] == u' ') {
+            ++m_next;
+        }
+        Text field;
+        if (m_next < m_text.size() && m_text[m_next] == kQuote) {
+            ++m_next;
+            while (m_next < m_text.size() && m_text[m_next] != kQuote && !atLineEnd()) {
+                field.push_back(m_text[m_next++]);
+            }
+            if (m_next < m_text.size() && m_text[m_next] == kQuote) {
+                ++m_next;  // the closing quote; what follows it up to the separator still counts
+            }
+        }
+        while (m_next < m_text.size() && m_text[m_next] != kComma && !atLineEnd()) {
+            field.push_back(m_text[m_next++]);
+        }
+        if (!consumeLineEnd() && m_next < m_text.size()) {
+            ++m_next;  // the comma
+        }
+        return field;
+    }
+
+  private:
+    bool atLineEnd() const {
+        return m_next < m_text.size() && (m_text[m_next] == u'\r' || m_text[m_next] == u'\n');
+    }
+
+    // Consumes a line end at the read position, if one stands there.
+    bool consumeLineEnd() {
+        if (m_next < m_text.size() && m_text[m_next] == u'\r') {
+            ++m_next;
+            if (m_next < m_text.size() && m_text[m_next] == u'\n') {
+                ++m_next;
+            }
+            return true;
+        }
+        if (m_next < m_text.size() && m_text[m_next] == u'\n') {
+            ++m_next;
+            return true;
+        }
+        return false;
+    }
+
+    TextView m_text;
+    std::size_t m_next = 0;
+};
+
+// The header fields read and discarded, then the fields gathered into up to
+// four records, by position. Nothing when the file cannot be taken apart.
+std::optional<std::vector<Text>> collectRecords(TextView fileText) {
+    FieldReader reader(fileText);
+    for (std::size_t k = 0; k < kHeaderFields; ++k) {
+        if (!reader.readField()) {
+            return std::nullopt;
+        }
+    }
+    std::vector<Text> records;
+    while (!reader.atEnd()) {
+        std::optional<Text> field = reader.readField();
+        if (!field) {
+            return std::nullopt;
+        }
+        if (field->starts_with(kRecordStart)) {
+            if (records.size() == kLanguageCount) {
+                return std::nullopt;
+            }
+            records.push_back(std::move(*field));
+        } else if (records.empty()) {
+            return std::nullopt;
+        } else {
+            records.back().append(*field);
+        }
+    }
+    // A missing record reads as an empty one, which then fails on its own.
+    records.resize(kLanguageCount);
+    return records;
+}
+
+// A record as the writer lays it out: "\n<font=" name ">\n", optionally
+// "\n<title=" title ">\n" (Italian: "\n<title=\n" title ">\n"), the body, and
+// "\n" plus the closing quote (Italian: the quote alone). A record without a
+// title tag empties the title box, as that is what was saved.
+RecordRead readWriterLayout(TextView remainder, Language language) {
+    RecordRead read;
+    TextView rest = remainder.substr(markup::kFontOpen.size());
+    const auto fontEnd = rest.find(markup::kTagEnd);
+    const TextView fontName = rest.substr(0, fontEnd);
+    read.font = listedFont(fontName).value_or(FontChoice{-1, Text(fontName)});
+    rest = rest.substr(fontEnd + 1);
+    if (rest.starts_with(markup::kSeparator)) {
+        rest.remove_prefix(markup::kSeparator.size());
+    }
+
+    const bool italian = language == Language::Italian;
+    read.title = Text();
+    if (rest.starts_with(markup::kTitleOpen)) {
+        rest.remove_prefix(markup::kTitleOpen.size());
+        if (italian && rest.starts_with(markup::kSeparator)) {
+            rest.remove_prefix(markup::kSeparator.size());
+        }
+        const auto titleEnd = rest.find(markup::kTagEnd);
+        read.title = Text(rest.substr(0, titleEnd));
+        rest = titleEnd == TextView::npos ? TextView() : rest.substr(titleEnd + 1);
+        if (rest.starts_with(markup::kSeparator)) {
+            rest.remove_prefix(markup::kSeparator.size());
+        }
+    }
+
+    if (rest.empty()) {
+        return read;
+    }
+    rest.remove_suffix(1);
+    if (!italian && rest.ends_with(markup::kSeparator)) {
+        rest.remove_suffix(markup::kSeparator.size());
+    }
+    read.body = Text(rest);
+    return read;
+}
+
+// Takes one record apart: its font and title where they stand at its head,
+// then its body, less its closing character.
+RecordRead readLanguageBlock(TextView record, Language language, const ReaderOptions& options) {
+    // The key's trailing space, then the stamp and opening quote, unread.
+    const TextView head = record.substr(0, std::min(record.size(), kKeySpaceSearch));
+    const auto space = head.find(u' ');
+    const std::size_t s = space == TextView::npos ? kKeySpaceSearch + 1 : space + 1;
+    TextView remainder = after(record, s + kStampLength);
+
+    if (options.acceptWriterLayout && remainder.starts_with(markup::kFontOpen) &&
+        remainder.find(markup::kTagEnd) != TextView::npos) {
+        return readWriterLayout(remainder, language);
+    }
+
+    RecordRead read;
+    // Font: "<font=" name ">" at the head of the remainder.
+    const auto fontEnd = remainder.find(markup::kTagEnd);
+    if (fontEnd != TextView::npos) {
+        const std::size_t g = fontEnd + 1;
+        if (g < kFontCandidateStart) {
+            return read;
+        }
+        read.font = listedFont(characters(remainder, kFontCandidateStart, g - 1));
+        if (read.font) {
+            remainder = after(remainder, g);
+        }
+    }
+
+    // Title: "<title=" title ">" next.
+    if (equalIgnoringCase(characters(remainder, 2, 6), markup::kTitleWord)) {
+        const auto titleEnd = remainder.find(markup::kTagEnd);
+        const std::size_t h = titleEnd == TextView::npos ? remainder.size() + 1 : titleEnd + 1;
+        read.title = Text(h <= 8 ? TextView() : characters(remainder, 8, h - 1));
+        remainder = after(remainder, h);
+    }
+
+    if (!remainder.empty()) {
+        read.body = Text(remainder.substr(0, remainder.size() - 1));
+    }
+    return read;
+}
+
+}  // namespace
+
+SchemaRead readSchema(std::string_view bytes, const ReaderOptions& options) {
+    SchemaRead result;
+    const auto records = collectRecords(decodeWindows1252(bytes));
+    if (!records) {
+        return result;
+    }
+    for (const Text& record : *records) {
+        if (options.maxRecordLength != 0 && record.size() > options.maxRecordLength) {
+            return result;
+        }
+    }
+    for (Language language : kAllLanguages) {
+        result.records.push_back(
+            readLanguageBlock((*records)[indexOf(language)], language, options));
+        if (!result.records.back().body) {
+            break;
+        }
+    }
+    return result;
+}
+
+}  // namespace lorekeep

@@ -1,0 +1,69 @@
+#include "schema/schema_writer.hpp"
+
+#include "markup/markers.hpp"
+#include "schema/windows1252.hpp"
+
+namespace lorekeep {
+
+namespace {
+
+constexpr char16_t kQuote = u'"';
+
+// Date, " ", time, " ", opening quote, font tag: the same in all four records.
+Text composeRecordTail(const LocalDateTime& stamp, TextView font) {
+    Text tail = formatDateStamp(stamp);
+    tail.push_back(u' ');
+    tail.append(formatTimeStamp(stamp));
+    tail.push_back(u' ');
+    tail.push_back(kQuote);
+    tail.append(markup::kFontOpen);
+    tail.append(font);
+    tail.append(markup::kValueClose);
+    return tail;
+}
+
+Text composeRecord(Language language, TextView tail, const LanguageEntry& entry) {
+    // The Italian record is the odd one out: a separator between the title
+    // tag's "=" and the title, and no separator before the closing quote.
+    const bool italian = language == Language::Italian;
+    Text record;
+    record.reserve(32 + tail.size() + entry.title.size() + entry.body.size());
+    record.append(infoOf(language).recordKey);
+    record.append(tail);
+    if (!entry.title.empty()) {
+        record.append(markup::kTitleOpen);
+        if (italian) {
+            record.append(markup::kSeparator);
+        }
+        record.append(entry.title);
+        record.append(markup::kValueClose);
+    }
+    record.append(entry.body);
+    if (!italian) {
+        record.append(markup::kSeparator);
+    }
+    record.push_back(kQuote);
+    return record;
+}
+
+}  // namespace
+
+Text composeSchemaText(const SchemaDocument& document, const LocalDateTime& stamp) {
+    const Text tail = composeRecordTail(stamp, document.font);
+    Text file;
+    for (TextView line : {kVersionLine, kEntryKindLine, TextView(document.name)}) {
+        file.append(line);
+        file.append(kLineEnd);
+    }
+    for (Language language : kAllLanguages) {
+        file.append(composeRecord(language, tail, document.entry(language)));
+        file.append(kLineEnd);
+    }
+    return file;
+}
+
+std::string composeSchemaBytes(const SchemaDocument& document, const LocalDateTime& stamp) {
+    return encodeWindows1252(composeSchemaText(document, stamp));
+}
+
+}  // namespace lorekeep

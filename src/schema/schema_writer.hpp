@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+#include "schema/date_stamp.hpp"
+#include "schema/schema_document.hpp"
+
+namespace lorekeep {
+
+// The fixed header lines of every schema file.
+inline constexpr std::u16string_view kVersionLine = u"VERSION 2.0";
+inline constexpr std::u16string_view kEntryKindLine = u"TextEntry";
+inline constexpr std::u16string_view kLineEnd = u"\r\n";
+
+// The whole file as text: the header, then one record per language, each line
+// ending in CR LF (more lines when a field holds a real line break, which is
+// written unchanged). A record is its key, the date and time, a double quote,
+// the font tag, the title tag (only for a non-empty title), the body and the
+// closing piece. Nothing is escaped.
+Text composeSchemaText(const SchemaDocument& document, const LocalDateTime& stamp);
+
+// The same, encoded in Windows-1252: the bytes that go to disk.
+std::string composeSchemaBytes(const SchemaDocument& document, const LocalDateTime& stamp);
+
+}  // namespace lorekeep

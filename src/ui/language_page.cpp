@@ -1,0 +1,61 @@
+#include "ui/language_page.hpp"
+
+#include "ui/caption_button.hpp"
+#include "ui/window_layout.hpp"
+
+namespace lorekeep::ui {
+
+LanguagePage::LanguagePage(int language, QPoint offset, QWidget* parent) : QWidget(parent) {
+    const int i = language;
+    auto button = [&](std::u16string_view caption, layout::TwipRect where, const char* name,
+                      std::u16string_view tip) {
+        return layout::place(new CaptionButton(toQString(caption), this), where,
+                             layout::indexedName(name, i), tip, offset);
+    };
+    leftJustifyButton = button(layout::kCmdLeftJusCaption, layout::kCmdLeftJus, "cmdLeftJus",
+                               layout::kCmdLeftJusTip);
+    rightJustifyButton = button(layout::kCmdRightJusCaption, layout::kCmdRightJus, "cmdRightJus",
+                                layout::kCmdRightJusTip);
+    centreButton =
+        button(layout::kCmdCentCaption, layout::kCmdCent, "cmdCent", layout::kCmdCentTip);
+    colourButton =
+        button(layout::kCmdColorCaption, layout::kCmdColor, "cmdColor", layout::kCmdColorTips[i]);
+
+    // Labels first: each colour box overlaps the end of its label and is drawn over it.
+    const int first = editor::kColourBoxesPerLanguage * i;
+    for (int c = 0; c < editor::kColourBoxesPerLanguage; ++c) {
+        colourLabels[c] =
+            layout::place(new QLabel(toQString(layout::kLabel5Captions[c]), this),
+                          layout::kLabel5[c], layout::indexedName("Label5", first + c), {}, offset);
+    }
+    for (int c = 0; c < editor::kColourBoxesPerLanguage; ++c) {
+        colourBoxes[c] = layout::place(
+            new QLineEdit(toQString(layout::kColourBoxInitialText), this), layout::kTxtColor[c],
+            layout::indexedName("txtColor", first + c), {}, offset);
+        colourBoxes[c]->setEnabled(false);
+        colourLabels[c]->setBuddy(colourBoxes[c]);
+    }
+    okButton = button(layout::kCmdOKCaption, layout::kCmdOK, "cmdOK", layout::kCmdOKTip);
+    okButton->setEnabled(false);
+    copyButton =
+        button(layout::kCmdCopyCaption, layout::kCmdCopy, "cmdCopy", layout::kCmdCopyTips[i]);
+
+    titleLabel = layout::place(new QLabel(toQString(layout::kLabel3Caption), this), layout::kLabel3,
+                               layout::indexedName("Label3", i), {}, offset);
+    titleBox = layout::place(new QLineEdit(this), layout::kTxtTitle,
+                             layout::indexedName("txtTitle", i), layout::kTxtTitleTip, offset);
+    titleLabel->setBuddy(titleBox);
+
+    bodyEditor = layout::place(new RichTextBox(this), layout::kLanguageEditor,
+                               layout::indexedName("rtbText", i), layout::kEditorTip, offset);
+    bodyEditor->setAccessibleName(toQString(infoOf(Language(i)).tabCaption));
+}
+
+PreviewPage::PreviewPage(int language, QPoint offset, QWidget* parent) : QWidget(parent) {
+    pane = layout::place(new RichTextBox(this), layout::kPreviewPane,
+                         layout::indexedName("rtbText", editor::kPreviewIndexOffset + language),
+                         layout::kPreviewTips[language], offset);
+    pane->setAccessibleName(toQString(infoOf(Language(language)).previewCaption));
+}
+
+}  // namespace lorekeep::ui

@@ -1,0 +1,255 @@
+#include "ui/main_window.hpp"
+
+#include <QAbstractScrollArea>
+#include <QHelpEvent>
+#include <QKeySequence>
+#include <QShortcut>
+
+#include "editor/texts.hpp"
+#include "schema/schema_document.hpp"
+#include "ui/caption_button.hpp"
+#include "ui/qt_text.hpp"
+#include "ui/window_layout.hpp"
+
+namespace lorekeep::ui {
+
+namespace {
+
+using layout::place;
+
+QStringList tabCaptions() {
+    QStringList captions;
+    for (const auto& language : kLanguages) {
+        captions << toQString(language.tabCaption);
+    }
+    for (const auto& language : kLanguages) {
+        captions << toQString(language.previewCaption);
+    }
+    return captions;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(toQString(texts::kWindowCaption));
+    setFixedSize(layout::toPixels(layout::kClientArea).size());
+    setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                   Qt::WindowCloseButtonHint);
+    createControls();
+    silenceInheritedTooltips();
+    setFocusOrder();
+    m_messageBox = std::make_unique<QtMessageBox>(this);
+    m_fileDialog = std::make_unique<QtFileDialog>(this);
+    m_controls = controlInterfaces();
+    m_editor = std::make_unique<editor::SchemaEditor>(m_controls);
+    connectEvents();
+    folderBox->setFocus(Qt::OtherFocusReason);
+}
+
+MainWindow::~MainWindow() {
+    // The boxes outlive the window's behaviour by a moment while Qt deletes
+    // the children; nothing they say then may reach it.
+    for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
+        richTextBox(k)->disconnect(this);
+        richTextBox(k)->onCharacterTyped = nullptr;
+    }
+}
+
+RichTextBox* MainWindow::richTextBox(int k) const {
+    return k < editor::kPreviewIndexOffset ? languagePages[k]->bodyEditor
+                                           : previewPages[k - editor::kPreviewIndexOffset]->pane;
+}
+
+void MainWindow::createControls() {
+    schemaFrame =
+        place(new QGroupBox(toQString(layout::kFrame1Caption), this), layout::kFrame1, "Frame1");
+    folderLabel = place(new QLabel(toQString(layout::kLabel1Caption), schemaFrame), layout::kLabel1,
+                        "Label1");
+    nameLabel = place(new QLabel(toQString(layout::kLabel2Caption), schemaFrame), layout::kLabel2,
+                      "Label2");
+    folderBox = place(new QLineEdit(schemaFrame), layout::kTxtLoc, "txtLoc", layout::kTxtLocTip);
+    locationButton = place(new CaptionButton(toQString(layout::kCmdLocCaption), schemaFrame),
+                           layout::kCmdLoc, "cmdLoc");
+    nameBox = place(new QLineEdit(schemaFrame), layout::kTxtName, "txtName", layout::kTxtNameTip);
+    folderLabel->setBuddy(folderBox);
+    nameLabel->setBuddy(nameBox);
+
+    fontLabel =
+        place(new QLabel(toQString(layout::kLabel4Caption), this), layout::kLabel4, "Label4");
+    fontBox = place(new QComboBox(this), layout::kCboFont, "cboFont", layout::kCboFontTip);
+    fontLabel->setBuddy(fontBox);
+    fontBox->setEditable(true);
+    // Typed names are saved as typed: never added to the list, never completed.
+    fontBox->setInsertPolicy(QComboBox::NoInsert);
+    fontBox->setCompleter(nullptr);
+    for (std::u16string_view font : kFontNames) {
+        fontBox->addItem(toQString(font), 0);
+    }
+    fontBox->setCurrentIndex(-1);
+    fontBox->setEditText(toQString(layout::kFontBoxInitialText));
+
+    saveButton = place(new CaptionButton(toQString(layout::kCmdSaveCaption), this),
+                       layout::kCmdSave, "cmdSave", layout::kCmdSaveTip);
+    loadButton = place(new CaptionButton(toQString(layout::kCmdLoadCaption), this),
+                       layout::kCmdLoad, "cmdLoad", layout::kCmdLoadTip);
+
+    tabs = place(new TabContainer(tabCaptions(), layout::kTabsPerRow,
+                                  layout::kTabRowHeight / layout::kTwipsPerPixel, this),
+                 layout::kTabMain, "tabMain", layout::kTabMainTip);
+    for (int i = 0; i < kLanguageCount; ++i) {
+        languagePages[i] = new LanguagePage(i, tabs->pageOffset());
+        tabs->addPage(languagePages[i]);
+    }
+    for (int i = 0; i < kLanguageCount; ++i) {
+        previewPages[i] = new PreviewPage(i, tabs->pageOffset());
+        tabs->addPage(previewPages[i]);
+    }
+}
+
+void MainWindow::silenceInheritedTooltips() {
+    // The named controls only: the tab container's own parts (its strip and
+    // the page area) rightly show the container's tooltip.
+    for (QWidget* control : findChildren<QWidget*>()) {
+        if (control->objectName().isEmpty() || control == tabs) {
+            continue;
+        }
+        control->installEventFilter(this);
+        if (auto* scrollArea = qobject_cast<QAbstractScrollArea*>(control)) {
+            scrollArea->viewport()->installEventFilter(this);
+        }
+    }
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        auto* widget = qobject_cast<QWidget*>(watched);
+        auto* area = widget != nullptr ? qobject_cast<QAbstractScrollArea*>(widget->parentWidget())
+                                       : nullptr;
+        if (area != nullptr && area->viewport() == widget) {
+            widget = area;  // a text box's viewport speaks for its box
+        }
+        if (widget != nullptr && widget->toolTip().isEmpty()) {
+            // Accepted, so that it goes no further up to the container.
+            event->accept();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void MainWindow::setFocusOrder() {
+    std::vector<QWidget*> order{folderBox, tabs->strip()};
+    for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
+        order.push_back(richTextBox(k));
+    }
+    order.push_back(nameBox);
+    const LanguagePage& english = *languagePages[0];
+    order.insert(order.end(), {english.leftJustifyButton, english.titleBox, english.centreButton,
+                               english.rightJustifyButton, english.colourButton});
+    for (int i = 1; i < kLanguageCount; ++i) {
+        order.push_back(languagePages[i]->titleBox);
+    }
+    for (int i = 1; i < kLanguageCount; ++i) {
+        const LanguagePage& page = *languagePages[i];
+        order.insert(order.end(), {page.colourButton, page.rightJustifyButton, page.centreButton,
+                                   page.leftJustifyButton});
+    }
+    order.insert(order.end(), {fontBox, loadButton, saveButton});
+    for (const LanguagePage* page : languagePages) {
+        order.insert(order.end(), page->colourBoxes.begin(), page->colourBoxes.end());
+    }
+    for (int i : {3, 2, 0, 1}) {
+        order.push_back(languagePages[i]->okButton);
+    }
+    for (const LanguagePage* page : languagePages) {
+        order.push_back(page->copyButton);
+    }
+    order.push_back(locationButton);
+    for (std::size_t k = 1; k < order.size(); ++k) {
+        setTabOrder(order[k - 1], order[k]);
+    }
+}
+
+editor::WindowControls MainWindow::controlInterfaces() {
+    editor::WindowControls c;
+    auto textBox = [&](QLineEdit* edit) {
+        m_textBoxes.push_back(std::make_unique<LineEditControl>(edit));
+        return m_textBoxes.back().get();
+    };
+    auto button = [&](QPushButton* b) {
+        m_buttons.push_back(std::make_unique<PushButtonControl>(b));
+        return m_buttons.back().get();
+    };
+    for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
+        c.richTextBoxes[k] = richTextBox(k);
+    }
+    for (int i = 0; i < kLanguageCount; ++i) {
+        const LanguagePage& page = *languagePages[i];
+        c.previewPanes[i] = previewPages[i]->pane;
+        c.titleBoxes[i] = textBox(page.titleBox);
+        c.colourButtons[i] = button(page.colourButton);
+        c.okButtons[i] = button(page.okButton);
+        for (int b = 0; b < editor::kColourBoxesPerLanguage; ++b) {
+            c.colourBoxes[editor::kColourBoxesPerLanguage * i + b] = textBox(page.colourBoxes[b]);
+        }
+    }
+    c.folderBox = textBox(folderBox);
+    c.nameBox = textBox(nameBox);
+    m_fontBox = std::make_unique<ComboBoxControl>(fontBox);
+    c.fontBox = m_fontBox.get();
+    c.messages = m_messageBox.get();
+    c.fileDialog = m_fileDialog.get();
+    c.clock = &m_clock;
+    return c;
+}
+
+void MainWindow::connectEvents() {
+    using editor::SchemaEditor;
+    for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
+        connect(richTextBox(k), &QTextEdit::textChanged, this,
+                [this, k] { m_editor->textChanged(k); });
+        richTextBox(k)->onCharacterTyped = [this, k](int& code) {
+            m_editor->characterTyped(k, code);
+        };
+    }
+    for (int i = 0; i < kLanguageCount; ++i) {
+        const LanguagePage& page = *languagePages[i];
+        auto route = [this, i](QPushButton* button, void (SchemaEditor::*handler)(int)) {
+            connect(button, &QPushButton::clicked, this,
+                    [this, i, handler] { ((*m_editor).*handler)(i); });
+        };
+        route(page.leftJustifyButton, &SchemaEditor::leftJustifyClicked);
+        route(page.centreButton, &SchemaEditor::centreClicked);
+        route(page.rightJustifyButton, &SchemaEditor::rightJustifyClicked);
+        route(page.colourButton, &SchemaEditor::colourClicked);
+        route(page.okButton, &SchemaEditor::okClicked);
+        route(page.copyButton, &SchemaEditor::copyClicked);
+    }
+    connect(locationButton, &QPushButton::clicked, this, [this] { m_editor->locationClicked(); });
+    connect(saveButton, &QPushButton::clicked, this, [this] { m_editor->saveClicked(); });
+    connect(loadButton, &QPushButton::clicked, this, [this] { m_editor->loadClicked(); });
+    // Ctrl+Tab and Ctrl+Shift+Tab step through the pages, as in any tabbed window.
+    auto* next = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Tab), this);
+    connect(next, &QShortcut::activated, tabs, [this] { tabs->cycle(1); });
+    for (auto keys : {Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab, Qt::CTRL | Qt::SHIFT | Qt::Key_Tab}) {
+        auto* previous = new QShortcut(QKeySequence(keys), this);
+        connect(previous, &QShortcut::activated, tabs, [this] { tabs->cycle(-1); });
+    }
+}
+
+void MainWindow::save(const QString& schemaName, const QString& schemaFolder) {
+    m_editor->save(fromQString(schemaName), fromQString(schemaFolder));
+}
+
+void MainWindow::load(const QString& schemaName, const QString& schemaFolder) {
+    m_editor->load(fromQString(schemaName), fromQString(schemaFolder));
+}
+
+void MainWindow::setDialogs(editor::MessageBox* messages, editor::FileDialog* dialog) {
+    m_controls.messages = messages;
+    m_controls.fileDialog = dialog;
+    m_editor = std::make_unique<editor::SchemaEditor>(m_controls);
+}
+
+}  // namespace lorekeep::ui

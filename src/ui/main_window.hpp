@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QWidget>
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "editor/schema_editor.hpp"
+#include "ui/language_page.hpp"
+#include "ui/qt_controls.hpp"
+#include "ui/tab_container.hpp"
+
+namespace lorekeep::ui {
+
+// The editor's one window: the schema's folder and name, the font, the file
+// buttons and the eight pages, every control at its fixed place and named as
+// its control (txtLoc, cmdSave, rtbText(5), ...). Each handled event goes,
+// with its index, to the window's behaviour in the core.
+class MainWindow : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    // Returns the negation of `data`.
+    static bool toggle(bool data) { return editor::SchemaEditor::toggle(data); }
+
+    // Writes the schema file schemaFolder/schemaName.sch from the window.
+    void save(const QString& schemaName, const QString& schemaFolder);
+
+    // Reads the schema file schemaFolder/schemaName.sch into the window.
+    void load(const QString& schemaName, const QString& schemaFolder);
+
+    // Replaces the message boxes and the file dialog (tests answer them
+    // instead of a user). Also starts the window's marker state afresh.
+    void setDialogs(editor::MessageBox* messages, editor::FileDialog* dialog);
+
+    // Rich-text box k of the array: editor k (0..3) or preview pane k - 4.
+    RichTextBox* richTextBox(int k) const;
+
+    QGroupBox* schemaFrame;
+    QLabel* folderLabel;
+    QLineEdit* folderBox;
+    QPushButton* locationButton;
+    QLabel* nameLabel;
+    QLineEdit* nameBox;
+    QLabel* fontLabel;
+    QComboBox* fontBox;
+    QPushButton* saveButton;
+    QPushButton* loadButton;
+    TabContainer* tabs;
+    std::array<LanguagePage*, kLanguageCount> languagePages{};
+    std::array<PreviewPage*, kLanguageCount> previewPages{};
+
+  protected:
+    // Keeps a control without a tooltip of its own from showing the tooltip
+    // of the container it stands in.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void createControls();
+    void silenceInheritedTooltips();
+    void setFocusOrder();
+    void connectEvents();
+    editor::WindowControls controlInterfaces();
+
+    // Interface adaptors over the widgets above, and the window's behaviour.
+    std::vector<std::unique_ptr<editor::TextBox>> m_textBoxes;
+    std::vector<std::unique_ptr<editor::Button>> m_buttons;
+    std::unique_ptr<editor::FontBox> m_fontBox;
+    std::unique_ptr<QtMessageBox> m_messageBox;
+    std::unique_ptr<QtFileDialog> m_fileDialog;
+    SystemClock m_clock;
+    editor::WindowControls m_controls;
+    std::unique_ptr<editor::SchemaEditor> m_editor;
+};
+
+}  // namespace lorekeep::ui

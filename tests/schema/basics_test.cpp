@@ -1,0 +1,70 @@
+#include <gtest/gtest.h>
+
+#include "schema/date_stamp.hpp"
+#include "schema/schema_document.hpp"
+#include "schema/windows1252.hpp"
+#include "support/test_support.hpp"
+
+namespace lorekeep {
+namespace {
+
+using testing::T;
+
+TEST(SchemaPath, ConcatenatesWithoutTrimming) {
+    const std::array<const char*, 3> cases[] = {
+        {"/home/me/Schemas", "intro", "/home/me/Schemas/intro.sch"},
+        {"/home/me/Schemas/", "intro", "/home/me/Schemas//intro.sch"},
+        {"dir", "intro.sch", "dir/intro.sch.sch"},
+        {" ", "", " /.sch"},
+    };
+    for (const auto& [folder, name, path] : cases) {
+        EXPECT_EQ(schemaPath(T(folder), T(name)), T(path));
+    }
+}
+
+TEST(DateStamp, PicksYearMonthAndDayByPositionInFixedWidths) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"14/03/2005", "2005-03-14"},
+        {"14.03.2005", "2005-03-14"},
+        {"31xx0x2026", "2026-x0-31"},  // separators are never looked at
+        {"14/03", "-03-14"},           // too short to hold a year: the pieces that exist
+    };
+    for (const auto& [input, stamp] : cases) {
+        EXPECT_EQ(formatDateStamp(T(input)), T(stamp));
+    }
+    EXPECT_EQ(formatDateStamp(LocalDateTime{987, 1, 5, 0, 0, 0}), u"0987-01-05");
+    EXPECT_EQ(formatTimeStamp(LocalDateTime{2005, 3, 14, 4, 5, 9}), u"04:05:09");
+    EXPECT_EQ(formatTimeStamp(LocalDateTime{2005, 3, 14, 23, 59, 59}), u"23:59:59");
+}
+
+TEST(Windows1252, EveryCharacterOfTheCodePageBecomesItsByte) {
+    // The 0x80-0x9F range in order (the five undefined bytes as the control
+    // characters of the same number), then Latin-1 letters and range edges.
+    const Text characters =
+        T("€\u0081‚ƒ„…†‡ˆ‰Š‹Œ\u008DŽ\u008F\u0090‘’“”•–—˜™š›œ\u009DžŸ") + T("éßüà\u00A0ÿ~\x7F");
+    std::string bytes;
+    for (int b = 0x80; b <= 0x9F; ++b) {
+        bytes.push_back(static_cast<char>(b));
+    }
+    bytes += "\xE9\xDF\xFC\xE0\xA0\xFF~\x7F";
+    EXPECT_EQ(encodeWindows1252(characters), bytes);
+}
+
+TEST(Windows1252, UnmappedCharactersBecomeOneQuestionMarkEach) {
+    EXPECT_EQ(encodeWindows1252(T("Ω")), "?");
+    // C1 controls that the code page gives to other characters are not theirs.
+    EXPECT_EQ(encodeWindows1252(Text(1, u'\u0080')), "?");
+    EXPECT_EQ(encodeWindows1252(Text(1, u'\u009F')), "?");
+    EXPECT_EQ(encodeWindows1252(T("a€bΩc")),
+              "a\x80"
+              "b?c");
+    // A character outside the BMP is one character, so one question mark.
+    EXPECT_EQ(encodeWindows1252(T("x😀y")), "x?y");
+    // A lone surrogate is still written as something.
+    EXPECT_EQ(encodeWindows1252(Text{u'a', char16_t(0xD800), u'b'}), "a?b");
+    EXPECT_EQ(encodeWindows1252(Text{char16_t(0xDC00)}), "?");
+    EXPECT_EQ(encodeWindows1252(Text(1, u'\0')), std::string(1, '\0'));
+}
+
+}  // namespace
+}  // namespace lorekeep

@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+#include "schema/schema_file.hpp"
+#include "support/test_support.hpp"
+
+namespace lorekeep {
+namespace {
+
+using testing::dataPath;
+using testing::listDirectory;
+using testing::readBytes;
+using testing::T;
+using testing::TempDir;
+using testing::workedExample;
+using testing::writeBytes;
+
+class SaveTest : public ::testing::Test {
+  protected:
+    // Saves a document (the worked example unless given) as folder/name.sch.
+    static bool saveTo(const std::string& folder, const std::string& name,
+                       SchemaDocument doc = workedExample()) {
+        doc.folder = T(folder);
+        doc.name = T(name);
+        return static_cast<bool>(saveSchema(doc, testing::kWorkedStamp));
+    }
+
+    TempDir m_dir;
+    const std::string m_expected = readBytes(dataPath("worked_example.sch"));
+};
+
+TEST_F(SaveTest, ReplacesTheWholeFileAndLeavesNothingElse) {
+    SchemaDocument big = workedExample();
+    big.entry(Language::German).body = Text(5000, u'x');
+    ASSERT_TRUE(saveTo(m_dir.path(), "The Tower", big));
+    ASSERT_TRUE(saveTo(m_dir.path() + "/", "The Tower"));
+    EXPECT_EQ(readBytes(m_dir / "The Tower.sch"), m_expected);
+    EXPECT_EQ(listDirectory(m_dir.path()), std::set<std::string>{"The Tower.sch"});
+}
+
+TEST_F(SaveTest, ExistingFileKeepsItsModeAndALinkStaysALink) {
+    std::filesystem::create_directory(m_dir / "real");
+    writeBytes(m_dir / "real/target.sch", "old");
+    ASSERT_EQ(chmod((m_dir / "real/target.sch").c_str(), 0640), 0);
+    std::filesystem::create_symlink("real/target.sch", m_dir / "The Tower.sch");
+    ASSERT_TRUE(saveTo(m_dir.path(), "The Tower"));
+    EXPECT_TRUE(std::filesystem::is_symlink(m_dir / "The Tower.sch"));
+    EXPECT_EQ(readBytes(m_dir / "real/target.sch"), m_expected);
+    EXPECT_EQ(listDirectory(m_dir / "real"), std::set<std::string>{"target.sch"});
+    struct stat st {};
+    ASSERT_EQ(stat((m_dir / "real/target.sch").c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 07777, 0640u);
+}
+
+// A failed save leaves every existing file exactly as it was and no
+// temporary file behind; each case sets up one way of failing.
+TEST_F(SaveTest, FailuresLeaveTheFolderUntouched) {
+    const std::tuple<const char*, std::function<void(const TempDir&)>, std::string> cases[] = {
+        {"missing folder", [](const TempDir&) {}, "missing/s"},
+        {"read-only file",
+         [](const TempDir& d) {
+             writeBytes(d / "s.sch", "precious");
+             chmod((d / "s.sch").c_str(), 0444);
+         },
+         "s"},
+        {"path is a directory",
+         [](const TempDir& d) { std::filesystem::create_directory(d / "s.sch"); }, "s"},
+        {"folder is a file", [](const TempDir& d) { writeBytes(d / "f", "x"); }, "f/s"},
+        {"name with a NUL", [](const TempDir&) {}, std::string("a\0b", 3)},
+        {"link loop",
+         [](const TempDir& d) {
+             std::filesystem::create_symlink("b.sch", d / "a.sch");
+             std::filesystem::create_symlink("a.sch", d / "b.sch");
+         },
+         "a"},
+    };
+    for (const auto& [what, arrange, name] : cases) {
+        TempDir dir;
+        arrange(dir);
+        const auto before = listDirectory(dir.path());
+        std::map<std::string, std::string> contents;
+        for (const auto& file : before) {
+            std::error_code ec;
+            if (std::filesystem::is_regular_file(dir / file, ec)) {
+                contents[file] = readBytes(dir / file);
+            }
+        }
+        EXPECT_FALSE(saveTo(dir.path(), name)) << what;
+        EXPECT_EQ(listDirectory(dir.path()), before) << what;
+        for (const auto& [file, bytes] : contents) {
+            EXPECT_EQ(readBytes(dir / file), bytes) << what;
+        }
+    }
+}
+
+TEST_F(SaveTest, ReadOnlyFolderFailsAndKeepsTheOldFile) {
+    const std::string folder = m_dir / "ro";
+    std::filesystem::create_directory(folder);
+    writeBytes(folder + "/s.sch", "precious");
+    bool mounted = false;
+    if (geteuid() == 0) {
+        // Root ignores permission bits, so make the folder a read-only file system.
+        if (mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=64k") != 0) {
+            GTEST_SKIP() << "cannot mount a tmpfs here (" << std::strerror(errno) << ")";
+        }
+        mounted = true;
+        writeBytes(folder + "/s.sch", "precious");
+        ASSERT_EQ(mount(nullptr, folder.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, "size=64k"), 0);
+    } else {
+        ASSERT_EQ(chmod(folder.c_str(), 0555), 0);
+    }
+    EXPECT_FALSE(saveTo(folder, "s"));
+    EXPECT_EQ(readBytes(folder + "/s.sch"), "precious");
+    EXPECT_EQ(listDirectory(folder), std::set<std::string>{"s.sch"});
+    if (mounted) {
+        umount2(folder.c_str(), MNT_DETACH);
+    }
+}
+
+TEST_F(SaveTest, DiskFillingUpMidWriteKeepsTheOldFile) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "mounting a small tmpfs needs root";
+    }
+    const std::string folder = m_dir / "small";
+    std::filesystem::create_directory(folder);
+    if (mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=64k") != 0) {
+        GTEST_SKIP() << "cannot mount a tmpfs here (" << std::strerror(errno) << ")";
+    }
+    writeBytes(folder + "/s.sch", "precious");
+    SchemaDocument huge = workedExample();
+    huge.entry(Language::French).body = Text(200 * 1024, u'x');
+    EXPECT_FALSE(saveTo(folder, "s", huge));
+    EXPECT_EQ(readBytes(folder + "/s.sch"), "precious");
+    EXPECT_EQ(listDirectory(folder), std::set<std::string>{"s.sch"});
+    umount2(folder.c_str(), MNT_DETACH);
+}
+
+TEST_F(SaveTest, FileSizeLimitMidWriteKeepsTheOldFile) {
+    writeBytes(m_dir / "s.sch", "precious");
+    struct rlimit old {};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    struct rlimit small = old;
+    small.rlim_cur = 4096;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    SchemaDocument huge = workedExample();
+    huge.entry(Language::French).body = Text(100 * 1024, u'x');
+    const bool saved = saveTo(m_dir.path(), "s", huge);
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
+    EXPECT_FALSE(saved);
+    EXPECT_EQ(readBytes(m_dir / "s.sch"), "precious");
+    EXPECT_EQ(listDirectory(m_dir.path()), std::set<std::string>{"s.sch"});
+}
+
+TEST_F(SaveTest, LoadingWhatIsNoReadableFileFails) {
+    std::filesystem::create_directory(m_dir / "folder.sch");
+    for (const char* name : {"missing", "folder"}) {
+        EXPECT_FALSE(loadSchema(T(m_dir.path()), T(name)).file) << name;
+    }
+    ASSERT_TRUE(saveTo(m_dir.path(), "saved"));
+    const LoadResult loaded = loadSchema(T(m_dir.path() + "/"), u"saved");
+    EXPECT_TRUE(loaded.file);
+    EXPECT_TRUE(loaded.read.complete());
+}
+
+}  // namespace
+}  // namespace lorekeep

@@ -1,0 +1,165 @@
+#pragma once
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "schema/date_stamp.hpp"
+#include "schema/schema_document.hpp"
+
+namespace lorekeep::testing {
+
+// Test literals are written in UTF-8; the core works in UTF-16.
+inline Text T(std::string_view utf8) {
+    return fromUtf8(utf8);
+}
+
+inline std::string readBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+inline void writeBytes(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+inline std::string dataPath(const std::string& name) {
+    return std::string(LOREKEEP_TEST_DATA_DIR) + "/" + name;
+}
+
+// A text as it can be pasted back into a test: control characters and
+// non-ASCII as \uXXXX escapes.
+inline std::string escaped(TextView text) {
+    std::string out;
+    for (char16_t c : text) {
+        if (c >= 0x20 && c < 0x7F && c != u'\\' && c != u'"') {
+            out.push_back(static_cast<char>(c));
+        } else {
+            char buffer[8];
+            std::snprintf(buffer, sizeof buffer, "\\u%04X", static_cast<unsigned>(c));
+            out += buffer;
+        }
+    }
+    return out;
+}
+
+// The cases of a data folder: the names of its files ending in `extension`,
+// without it, in order.
+inline std::vector<std::string> caseNames(const std::string& folder, const std::string& extension) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(dataPath(folder))) {
+        if (entry.path().extension() == extension) {
+            names.push_back(entry.path().stem().string());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// 0..3 for "english" to "italian", kLanguageCount for anything else.
+inline std::size_t languageNamed(const std::string& name) {
+    const char* names[] = {"english", "french", "german", "italian"};
+    std::size_t k = 0;
+    while (k < kLanguageCount && name != names[k]) {
+        ++k;
+    }
+    return k;
+}
+
+// A line of a case file: "WHO VALUE", or "LANGUAGE FIELD VALUE" where WHO
+// names a language. The value runs to the end of the line; "<CR>" and "<LF>"
+// in it stand for real line breaks. Blank lines and "#" lines say nothing.
+struct CaseLine {
+    std::string who;
+    std::string field;
+    Text value;
+};
+
+inline std::vector<CaseLine> readCaseFile(const std::string& path) {
+    auto word = [](std::string& rest) {
+        const auto space = rest.find(' ');
+        std::string first = rest.substr(0, space);
+        rest = space == std::string::npos ? std::string() : rest.substr(space + 1);
+        return first;
+    };
+    std::vector<CaseLine> lines;
+    std::ifstream in(path);
+    for (std::string rest; std::getline(in, rest);) {
+        if (rest.empty() || rest[0] == '#') {
+            continue;
+        }
+        CaseLine line;
+        line.who = word(rest);
+        if (languageNamed(line.who) < kLanguageCount) {
+            line.field = word(rest);
+        }
+        for (auto [token, character] : {std::pair{"<CR>", "\r"}, std::pair{"<LF>", "\n"}}) {
+            for (auto at = rest.find(token); at != std::string::npos; at = rest.find(token)) {
+                rest.replace(at, 4, character);
+            }
+        }
+        line.value = T(rest);
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+// A fresh directory, removed with its contents when the object goes.
+class TempDir {
+  public:
+    TempDir() {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "lorekeep-test-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr) {
+            throw std::runtime_error("mkdtemp failed");
+        }
+        m_path = pattern;
+    }
+    ~TempDir() {
+        std::error_code ignored;
+        std::filesystem::permissions(m_path, std::filesystem::perms::owner_all,
+                                     std::filesystem::perm_options::add, ignored);
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::string& path() const { return m_path; }
+    std::string operator/(const std::string& name) const { return m_path + "/" + name; }
+
+  private:
+    std::string m_path;
+};
+
+// The names in a directory, hidden ones included.
+inline std::set<std::string> listDirectory(const std::string& path) {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(path)) {
+        names.insert(entry.path().filename().string());
+    }
+    return names;
+}
+
+// The schema saved on 14 March 2005 at 14:05:09 with the font Papyrus14, the
+// English title The Tower over Hello, a line break and World, and the Italian
+// title La Torre over Ciao; tests/data/worked_example.sch holds its bytes.
+inline constexpr LocalDateTime kWorkedStamp{2005, 3, 14, 14, 5, 9};
+
+inline SchemaDocument workedExample() {
+    SchemaDocument doc;
+    doc.name = u"The Tower";
+    doc.font = u"Papyrus14";
+    doc.entry(Language::English) = {u"The Tower", u"Hello\\n<br>\\nWorld"};
+    doc.entry(Language::Italian) = {u"La Torre", u"Ciao"};
+    return doc;
+}
+
+}  // namespace lorekeep::testing
