@@ -10,8 +10,8 @@ namespace lorekeep::bench {
 // A long body of the kind a modder writes: words with a marker of some kind
 // after each of them, about one marker per sixteen characters, every kind of marker taking its
 // turn. Returns exactly `length` characters; `markers` receives how many whole markers it holds.
-inline Text MarkedUpBody(std::size_t length, std::size_t* markers = nullptr) {
-    const Text colour = markup::ColourMarker(u"255", u"128", u"0");
+inline Text markedUpBody(std::size_t length, std::size_t* markers = nullptr) {
+    const Text colour = markup::colourMarker(u"255", u"128", u"0");
     const Text font = Text(markup::kFontOpen) + u"Papyrus14" + Text(markup::kValueClose);
     const Text title = Text(markup::kTitleOpen) + u"Tower" + Text(markup::kValueClose);
     const std::array<Text, 10> kinds{Text(markup::kLineBreak),

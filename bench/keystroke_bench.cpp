@@ -4,17 +4,17 @@
 #include <QKeyEvent>
 
 #include "bench_bodies.hpp"
-#include "markup/mod_schema_parse.hpp"
-#include "ui/frm_main.hpp"
+#include "markup/renderer.hpp"
+#include "ui/main_window.hpp"
 #include "ui/qt_text.hpp"
 
 namespace {
 
-using lorekeep::ui::frmMain;
+using lorekeep::ui::MainWindow;
 
 constexpr std::size_t kBodyLength = 32767;
 
-void Type(QWidget* target, int key, const QString& text) {
+void type(QWidget* target, int key, const QString& text) {
     QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, text);
     QApplication::sendEvent(target, &press);
     QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, text);
@@ -25,36 +25,37 @@ void Type(QWidget* target, int key, const QString& text) {
 // editor: the key event, the text change, the render and the preview pane's
 // new document, all inside the one event.
 void BM_KeystrokeToPreview(benchmark::State& state) {
-    frmMain window;
+    MainWindow window;
     window.show();
-    auto* editor = window.rtbText[0];
-    editor->SetPlainText(lorekeep::bench::MarkedUpBody(kBodyLength));
+    auto* editor = window.richTextBox(0);
+    editor->replaceText(lorekeep::bench::markedUpBody(kBodyLength));
     editor->setFocus();
-    editor->SetCaret(kBodyLength);
+    editor->setCaretPosition(kBodyLength);
     for (auto _ : state) {
-        Type(editor, Qt::Key_X, QStringLiteral("x"));
+        type(editor, Qt::Key_X, QStringLiteral("x"));
         state.PauseTiming();
-        Type(editor, Qt::Key_Backspace, QString());
+        type(editor, Qt::Key_Backspace, QString());
         state.ResumeTiming();
     }
-    state.counters["preview_chars"] = static_cast<double>(window.rtbText[4]->PlainText().size());
+    state.counters["preview_chars"] =
+        static_cast<double>(window.richTextBox(4)->plainText().size());
 }
 
 // The same keystroke into a box of the same body whose changes render
 // nothing (a preview pane, shown on its page): what the editor widget itself
 // costs per keystroke on a 32,767-character paragraph, preview or not.
 void BM_KeystrokeWithoutPreview(benchmark::State& state) {
-    frmMain window;
+    MainWindow window;
     window.show();
-    window.tabMain->setCurrentIndex(4);
-    auto* box = window.rtbText[4];
-    box->SetPlainText(lorekeep::bench::MarkedUpBody(kBodyLength));
+    window.tabs->setCurrentIndex(4);
+    auto* box = window.richTextBox(4);
+    box->replaceText(lorekeep::bench::markedUpBody(kBodyLength));
     box->setFocus();
-    box->SetCaret(kBodyLength);
+    box->setCaretPosition(kBodyLength);
     for (auto _ : state) {
-        Type(box, Qt::Key_X, QStringLiteral("x"));
+        type(box, Qt::Key_X, QStringLiteral("x"));
         state.PauseTiming();
-        Type(box, Qt::Key_Backspace, QString());
+        type(box, Qt::Key_Backspace, QString());
         state.ResumeTiming();
     }
 }
@@ -62,10 +63,10 @@ void BM_KeystrokeWithoutPreview(benchmark::State& state) {
 // From the editor's text-changed notification to the finished preview: the
 // render and the pane's new document.
 void BM_TextChangeToPreview(benchmark::State& state) {
-    frmMain window;
+    MainWindow window;
     window.show();
-    window.rtbText[0]->SetPlainText(lorekeep::bench::MarkedUpBody(kBodyLength));
-    auto* editor = window.rtbText[0];
+    auto* editor = window.richTextBox(0);
+    editor->replaceText(lorekeep::bench::markedUpBody(kBodyLength));
     for (auto _ : state) {
         emit editor->textChanged();
     }
@@ -74,12 +75,12 @@ void BM_TextChangeToPreview(benchmark::State& state) {
 // What showing the rendered text costs at the least: setPlainText of it alone
 // into the same pane.
 void BM_SetPlainTextOfRenderedText(benchmark::State& state) {
-    frmMain window;
+    MainWindow window;
     window.show();
     const auto rendered =
-        lorekeep::modSchemaParse::RenderPreview(lorekeep::bench::MarkedUpBody(kBodyLength));
-    const QString text = lorekeep::ui::ToQString(rendered.text);
-    auto* pane = window.rtbText[4];
+        lorekeep::markup::renderPreview(lorekeep::bench::markedUpBody(kBodyLength));
+    const QString text = lorekeep::ui::toQString(rendered.text);
+    auto* pane = window.richTextBox(4);
     for (auto _ : state) {
         pane->setPlainText(text);
     }

@@ -1,17 +1,16 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_bodies.hpp"
-#include "markup/mod_schema_parse.hpp"
-#include "markup/model_pane.hpp"
+#include "markup/renderer.hpp"
 #include "support/reference_renderer.hpp"
 
 namespace {
 
-using lorekeep::bench::MarkedUpBody;
+using lorekeep::bench::markedUpBody;
 
 constexpr std::size_t kLongestBody = 32767;
 
-void SetCounters(benchmark::State& state, std::size_t markers) {
+void setCounters(benchmark::State& state, std::size_t markers) {
     state.counters["chars"] = static_cast<double>(state.range(0));
     state.counters["markers"] = static_cast<double>(markers);
 }
@@ -19,24 +18,21 @@ void SetCounters(benchmark::State& state, std::size_t markers) {
 // The renderer the program uses: one pass over the body.
 void BM_ProgramRenderer(benchmark::State& state) {
     std::size_t markers = 0;
-    const auto body = MarkedUpBody(static_cast<std::size_t>(state.range(0)), &markers);
+    const auto body = markedUpBody(static_cast<std::size_t>(state.range(0)), &markers);
     for (auto _ : state) {
-        benchmark::DoNotOptimize(lorekeep::modSchemaParse::RenderPreview(body));
+        benchmark::DoNotOptimize(lorekeep::markup::renderPreview(body));
     }
-    SetCounters(state, markers);
+    setCounters(state, markers);
 }
 
 // The literal algorithm, splicing the whole text at every marker.
 void BM_ReferenceRenderer(benchmark::State& state) {
     std::size_t markers = 0;
-    const auto body = MarkedUpBody(static_cast<std::size_t>(state.range(0)), &markers);
+    const auto body = markedUpBody(static_cast<std::size_t>(state.range(0)), &markers);
     for (auto _ : state) {
-        lorekeep::markup::ModelPane pane;
-        pane.SetText(body);
-        lorekeep::testing::ReferenceParseSchemaText(pane);
-        benchmark::DoNotOptimize(pane);
+        benchmark::DoNotOptimize(lorekeep::testing::referenceRender(body));
     }
-    SetCounters(state, markers);
+    setCounters(state, markers);
 }
 
 BENCHMARK(BM_ProgramRenderer)

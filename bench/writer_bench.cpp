@@ -1,6 +1,6 @@
 #include <benchmark/benchmark.h>
 
-#include "document/schema_writer.hpp"
+#include "schema/schema_writer.hpp"
 
 namespace {
 
@@ -17,7 +17,7 @@ void BM_ComposeSchemaBytes(benchmark::State& state) {
     }
     const lorekeep::LocalDateTime stamp{2005, 3, 14, 14, 5, 9};
     for (auto _ : state) {
-        benchmark::DoNotOptimize(lorekeep::ComposeSchemaBytes(doc, stamp));
+        benchmark::DoNotOptimize(lorekeep::composeSchemaBytes(doc, stamp));
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * 4 *
                             static_cast<int64_t>(length));

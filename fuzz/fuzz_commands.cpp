@@ -1,10 +1,11 @@
-// An arbitrary text and caret, then a sequence of button presses, colour box
-// entries, copies and Enter keys on a window held in memory, checking after
+// Arbitrary texts and carets, then a sequence of button presses, colour box
+// entries, copies and typed keys on a window held in memory, checking after
 // every step what must always hold.
 #include <cstdlib>
 
-#include "markup/mod_schema_parse.hpp"
-#include "support/fake_window.hpp"
+#include "editor/texts.hpp"
+#include "markup/renderer.hpp"
+#include "support/fakes.hpp"
 
 using namespace lorekeep;
 
@@ -12,41 +13,55 @@ namespace {
 
 class Input {
   public:
-    Input(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
-    bool Empty() const { return next_ >= size_; }
-    std::uint8_t Byte() { return next_ < size_ ? data_[next_++] : 0; }
-    Text Chars(std::size_t count) {
+    Input(const std::uint8_t* data, std::size_t size) : m_data(data), m_size(size) {}
+    bool empty() const { return m_next >= m_size; }
+    std::uint8_t byte() { return m_next < m_size ? m_data[m_next++] : 0; }
+    Text chars(std::size_t count) {
         Text text;
-        for (std::size_t k = 0; k < count && !Empty(); ++k) {
-            text.push_back(static_cast<char16_t>(Byte()));
+        for (std::size_t k = 0; k < count && !empty(); ++k) {
+            text.push_back(static_cast<char16_t>(byte()));
         }
         return text;
     }
 
   private:
-    const std::uint8_t* data_;
-    std::size_t size_;
-    std::size_t next_ = 0;
+    const std::uint8_t* m_data;
+    std::size_t m_size;
+    std::size_t m_next = 0;
 };
 
-void Check(const testing::FakeWindow& w) {
+constexpr int kBoxes = editor::kColourBoxesPerLanguage;
+
+void check(const testing::FakeWindow& w) {
     for (int i = 0; i < kLanguageCount; ++i) {
-        const auto& c = w.commands;
-        if (c.LeftJusOn[i] + c.CentOn[i] + c.RightJusOn[i] > 1) {
+        const editor::MarkerState& state = w.editor.markerState(i);
+        if (state.leftJustifyOn + state.centreOn + state.rightJustifyOn > 1) {
             std::abort();
         }
-        for (int b = 0; b < kColourBoxesPerLanguage; ++b) {
-            if (w.txtColor[kColourBoxesPerLanguage * i + b].enabled != w.cmdOK[i].enabled) {
+        // The colour boxes and OK open and close together.
+        for (int b = 0; b < kBoxes; ++b) {
+            if (w.colourBoxes[kBoxes * i + b].enabled != w.okButtons[i].enabled) {
                 std::abort();
             }
         }
-        const Text body = w.rtbText[i].PlainText();
-        if (w.rtbText[i].Caret() > body.size()) {
+        const testing::FakeRichTextBox& editor = w.boxes[i];
+        if (editor.caret > editor.text.size()) {
             std::abort();
         }
-        if (!(w.rtbText[kPreviewIndexOffset + i].model.Snapshot() ==
-              modSchemaParse::RenderPreview(body)) &&
-            w.rtbText[i].replacements > 0) {
+        // The editing commands never put a real line break into a body.
+        if (editor.text.find_first_of(u"\r\n") != Text::npos) {
+            std::abort();
+        }
+        // Every change of an editor's text refreshed its pane from it.
+        const auto& pane = w.boxes[editor::kPreviewIndexOffset + i];
+        if (editor.replacements > 0 &&
+            (!pane.preview || !(*pane.preview == markup::renderPreview(editor.text)))) {
+            std::abort();
+        }
+    }
+    for (const auto& shown : w.messages.shown) {
+        if (shown.text != texts::kColourOutOfRange ||
+            shown.title != texts::kColourOutOfRangeTitle) {
             std::abort();
         }
     }
@@ -57,69 +72,64 @@ void Check(const testing::FakeWindow& w) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input in(data, size);
     testing::FakeWindow w;
-    // The bodies start without real line breaks, as typing leaves them.
+    // Bodies as typing leaves them, without real line breaks; their panes have
+    // not been refreshed yet, as no command has touched them.
     for (int i = 0; i < kLanguageCount; ++i) {
-        Text body = in.Chars(in.Byte() % 48);
+        Text body = in.chars(in.byte() % 48);
         std::erase_if(body, [](char16_t c) { return c == u'\r' || c == u'\n'; });
-        w.rtbText[i].SetPlainText(body);
-        w.rtbText[i].SetCaret(in.Byte());
+        w.boxes[i].text = body;
+        w.boxes[i].setCaretPosition(in.byte());
     }
-    while (!in.Empty()) {
-        const std::uint8_t op = in.Byte();
+    while (!in.empty()) {
+        const std::uint8_t op = in.byte();
         const int i = (op >> 4) % kLanguageCount;
+        const int box = (op >> 4) % editor::kRichTextBoxCount;  // an editor or a pane
         switch (op % 10) {
             case 0:
-                w.commands.cmdLeftJus_Click(i);
+                w.editor.leftJustifyClicked(i);
                 break;
             case 1:
-                w.commands.cmdCent_Click(i);
+                w.editor.centreClicked(i);
                 break;
             case 2:
-                w.commands.cmdRightJus_Click(i);
+                w.editor.rightJustifyClicked(i);
                 break;
             case 3:
-                w.commands.cmdColor_Click(i);
+                w.editor.colourClicked(i);
                 break;
             case 4:
-                if (w.cmdOK[i].enabled) {
-                    w.commands.cmdOK_Click(i);
+                if (w.okButtons[i].enabled) {
+                    w.editor.okClicked(i);
                 }
                 break;
             case 5:
-                w.txtColor[kColourBoxesPerLanguage * i + in.Byte() % 3].text =
-                    in.Chars(in.Byte() % 5);
+                w.colourBoxes[kBoxes * i + in.byte() % kBoxes].value = in.chars(in.byte() % 5);
                 break;
             case 6: {
                 int code = 13;
-                w.commands.rtbText_KeyPress(i, code);
+                w.editor.characterTyped(box, code);
                 if (code != 0) {
                     std::abort();
                 }
                 break;
             }
             case 7:
-                w.rtbText[i].SetCaret(in.Byte());
+                w.boxes[i].setCaretPosition(in.byte());
                 break;
             case 8:
-                w.commands.cmdCopy_Click(i);
+                w.editor.copyClicked(i);
                 break;
             case 9: {
-                int code = in.Byte();
+                int code = in.byte();
                 const int typed = code;
-                w.commands.rtbText_KeyPress(i, code);
+                w.editor.characterTyped(box, code);
                 if (typed != 13 && code != typed) {
                     std::abort();
                 }
                 break;
             }
         }
-        Check(w);
-        for (int k = 0; k < kLanguageCount; ++k) {
-            // The editing commands never put a real line break into a body.
-            if (w.rtbText[k].PlainText().find_first_of(u"\r\n") != Text::npos) {
-                std::abort();
-            }
-        }
+        check(w);
     }
     return 0;
 }

@@ -1,30 +1,51 @@
-// Arbitrary bytes as a schema file, loaded into a window held in memory. The
-// load either succeeds silently or shows its one message; nothing else.
+// Arbitrary bytes as a schema file, taken apart in memory by the reader as the
+// window reads them and in the older layout only. Whatever the bytes, the read
+// holds at most four records, stops at its first unreadable one, names fonts
+// consistently, and a record length limit only ever fails the read as a whole.
+#include <algorithm>
 #include <cstdlib>
 
-#include "document/messages.hpp"
-#include "document/schema_reader.hpp"
-#include "support/fake_window.hpp"
+#include "schema/schema_document.hpp"
+#include "schema/schema_reader.hpp"
 
 using namespace lorekeep;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    testing::FakeWindow w;
-    const LoadTargets targets = w.LoadTargetsOf();
-    const bool loaded =
-        LoadFromBytes(std::string_view(reinterpret_cast<const char*>(data), size), targets);
-    if (loaded != w.messages.shown.empty() || w.messages.shown.size() > 1) {
+namespace {
+
+void check(const SchemaRead& read) {
+    if (read.records.size() > kLanguageCount) {
         std::abort();
     }
-    if (!loaded && w.messages.shown[0].text != texts::kLoadFailed) {
+    for (std::size_t k = 0; k + 1 < read.records.size(); ++k) {
+        if (!read.records[k].body) {
+            std::abort();  // the read goes on only behind a readable record
+        }
+    }
+    const bool everyBody = std::all_of(read.records.begin(), read.records.end(),
+                                       [](const RecordRead& record) { return record.body; });
+    if (read.complete() != (read.records.size() == kLanguageCount && everyBody)) {
         std::abort();
     }
-    // Every loaded editor's preview was refreshed from it.
-    for (int i = 0; i < kLanguageCount && loaded; ++i) {
-        if (w.rtbText[kPreviewIndexOffset + i].replacements != 0 ||
-            w.rtbText[i].replacements != 1) {
+    for (const RecordRead& record : read.records) {
+        const auto& font = record.font;
+        if (font && (font->entry < -1 || font->entry >= static_cast<int>(kFontNames.size()) ||
+                     (font->entry >= 0 && font->text != kFontNames[font->entry]))) {
             std::abort();
         }
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const SchemaRead read = readSchema(bytes);
+    check(read);
+    check(readSchema(bytes, ReaderOptions{false, 0}));
+    const SchemaRead limited = readSchema(bytes, ReaderOptions{true, 64});
+    check(limited);
+    if (!limited.records.empty() && limited.records != read.records) {
+        std::abort();
     }
     return 0;
 }

@@ -1,8 +1,9 @@
 // Arbitrary text through the program's one-pass renderer and through the
-// literal algorithm: text, caret, colours and alignments must agree.
+// literal algorithm: text, caret, selection, colours and alignments must agree.
 #include <cstdlib>
 
-#include "support/render_helpers.hpp"
+#include "markup/renderer.hpp"
+#include "support/reference_renderer.hpp"
 
 using namespace lorekeep;
 
@@ -17,9 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                          : static_cast<char16_t>(data[k] | (data[k + 1] << 8));
         body.push_back(c);
     }
-    const markup::RenderedPreview program = testing::RenderWithProgram(body);
-    const markup::RenderedPreview reference = testing::RenderWithReference(body);
-    if (!(program == reference) || !(modSchemaParse::RenderPreview(body) == reference)) {
+    if (!(markup::renderPreview(body) == testing::referenceRender(body))) {
         std::abort();
     }
     return 0;

@@ -4,7 +4,7 @@
 #include <QApplication>
 #include <QtTest>
 
-#include "ui/frm_main.hpp"
+#include "ui/main_window.hpp"
 
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
@@ -15,34 +15,35 @@ int main(int argc, char** argv) {
         qWarning("usage: sample_screenshot editing.png preview.png");
         return 2;
     }
-    lorekeep::ui::frmMain w;
+    lorekeep::ui::MainWindow w;
     w.show();
     if (!QTest::qWaitForWindowExposed(&w)) {
         return 1;
     }
-    QTest::keyClicks(w.txtLoc, "/home/modder/schemas/");
-    QTest::keyClicks(w.txtName, "tower");
-    w.cboFont->setCurrentIndex(0);
-    QTest::keyClicks(w.txtTitle[0], "The Tower");
-    auto* editor = w.rtbText[0];
+    lorekeep::ui::LanguagePage& english = *w.languagePages[0];
+    QTest::keyClicks(w.folderBox, "/home/modder/schemas/");
+    QTest::keyClicks(w.nameBox, "tower");
+    w.fontBox->setCurrentIndex(0);
+    QTest::keyClicks(english.titleBox, "The Tower");
+    auto* editor = english.bodyEditor;
     editor->setFocus();
-    w.cmdCent[0]->click();
+    english.centreButton->click();
     QTest::keyClicks(editor, "The Tower of Halvane");
     QTest::keyClick(editor, Qt::Key_Return);
     QTest::keyClick(editor, Qt::Key_Return);
-    w.cmdLeftJus[0]->click();
+    english.leftJustifyButton->click();
     QTest::keyClicks(editor, "Long ago the keep stood alone.");
     QTest::keyClick(editor, Qt::Key_Return);
-    w.cmdColor[0]->click();
-    w.txtColor[0]->setText("200");
-    w.txtColor[1]->setText("30");
-    w.txtColor[2]->setText("30");
-    w.cmdOK[0]->click();
+    english.colourButton->click();
+    english.colourBoxes[0]->setText("200");
+    english.colourBoxes[1]->setText("30");
+    english.colourBoxes[2]->setText("30");
+    english.okButton->click();
     QTest::keyClicks(editor, "Beware the tower.");
-    w.cmdColor[0]->click();
+    english.colourButton->click();
     QTest::qWait(100);
     w.grab().save(QString::fromLocal8Bit(argv[1]));
-    w.tabMain->setCurrentIndex(4);
+    w.tabs->setCurrentIndex(4);
     QTest::qWait(100);
     w.grab().save(QString::fromLocal8Bit(argv[2]));
     return 0;

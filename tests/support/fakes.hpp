@@ -141,9 +141,13 @@ struct FakeWindow {
     FakeWindow& operator=(const FakeWindow&) = delete;
 
     editor::WindowControls controls() {
-        editor::WindowControls c;
+        editor::WindowControls c{.folderBox = &folder, .nameBox = &name, .fontBox = &font,
+                                 .messages = &messages, .fileDialog = &dialog, .clock = &clock};
         for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
             c.richTextBoxes[k] = &boxes[k];
+        }
+        for (int k = 0; k < 12; ++k) {
+            c.colourBoxes[k] = &colourBoxes[k];
         }
         for (int i = 0; i < kLanguageCount; ++i) {
             c.previewPanes[i] = &boxes[editor::kPreviewIndexOffset + i];
@@ -151,15 +155,6 @@ struct FakeWindow {
             c.colourButtons[i] = &colourButtons[i];
             c.okButtons[i] = &okButtons[i];
         }
-        for (std::size_t k = 0; k < colourBoxes.size(); ++k) {
-            c.colourBoxes[k] = &colourBoxes[k];
-        }
-        c.folderBox = &folder;
-        c.nameBox = &name;
-        c.fontBox = &font;
-        c.messages = &messages;
-        c.fileDialog = &dialog;
-        c.clock = &clock;
         return c;
     }
 

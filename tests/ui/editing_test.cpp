@@ -1,157 +1,128 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include "support/fake_window.hpp"
-#include "ui/frm_main.hpp"
+#include "markup/renderer.hpp"
+#include "support/fakes.hpp"
+#include "ui/main_window.hpp"
+#include "ui/qt_text.hpp"
 
-using lorekeep::testing::FakeFileDialog;
-using lorekeep::testing::RecordingMessageBox;
-using lorekeep::ui::frmMain;
-using lorekeep::ui::RichTextBox;
+using namespace lorekeep;
+using namespace lorekeep::ui;
 
-namespace {
-
-QString Text(RichTextBox* box) {
-    return QString::fromStdU16String(box->PlainText());
-}
-
-}  // namespace
-
-// The editing commands through real clicks and real keys.
+// The commands through real clicks and real keys, the dialogs answered by
+// fakes.
 class EditingTest : public QObject {
     Q_OBJECT
 
+    static QString text(const RichTextBox* box) { return toQString(box->plainText()); }
+    // What the pane of `editor` must show for what the editor holds now.
+    static QString rendered(const RichTextBox* e) {
+        return toQString(markup::renderPreview(e->plainText()).text);
+    }
+    testing::RecordingMessageBox m_messages;
+    testing::FakeFileDialog m_dialog;
+    std::unique_ptr<MainWindow> m_window;
+
   private slots:
     void init() {
-        window_ = std::make_unique<frmMain>();
-        window_->setDialogs(&messages_, &dialog_);
-        window_->show();
-        window_->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(window_.get()));
-        messages_.shown.clear();
-    }
-    void cleanup() { window_.reset(); }
-
-    void centerButtonWritesItsMarkerAndFocusesTheEditor() {
-        frmMain& w = *window_;
-        QTest::mouseClick(w.cmdCent[0], Qt::LeftButton);
-        QCOMPARE(Text(w.rtbText[0]), QStringLiteral("\\n<jc>\\n"));
-        QCOMPARE(w.rtbText[0]->Caret(), std::size_t{8});
-        QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(w.rtbText[0]));
-        QTest::mouseClick(w.cmdCent[0], Qt::LeftButton);
-        QCOMPARE(Text(w.rtbText[0]), QStringLiteral("\\n<jc>\\n"));
-        QTest::mouseClick(w.cmdLeftJus[0], Qt::LeftButton);
-        QCOMPARE(Text(w.rtbText[0]), QStringLiteral("\\n<jc>\\n\\n<jl>\\n"));
+        m_window = std::make_unique<MainWindow>();
+        m_window->setDialogs(&m_messages, &m_dialog);
+        m_window->show();
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     }
 
-    void enterKeysWriteBreakMarkersAndUndoRedoRestore() {
-        frmMain& w = *window_;
-        RichTextBox* editor = w.rtbText[0];
-        editor->setFocus();
-        QTest::keyClicks(editor, "ab");
-        QTest::keyClick(editor, Qt::Key_Return);
-        QCOMPARE(Text(editor), QStringLiteral("ab\\n<br>\\n"));
-        QCOMPARE(editor->Caret(), std::size_t{10});
-        QTest::keyClick(editor, Qt::Key_Enter);  // the keypad's Enter too
-        QCOMPARE(Text(editor), QStringLiteral("ab\\n<p>\\n"));
-        QCOMPARE(Text(w.rtbText[4]), QStringLiteral("ab\r\r"));
-
-        QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(Text(editor), QStringLiteral("ab\\n<br>\\n"));
-        QCOMPARE(Text(w.rtbText[4]), QStringLiteral("ab\r"));  // undo refreshes the preview
-        QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(Text(editor), QStringLiteral("ab"));
-        QTest::keyClick(editor, Qt::Key_Y, Qt::ControlModifier);
-        QCOMPARE(Text(editor), QStringLiteral("ab\\n<br>\\n"));
-        QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-        QCOMPARE(Text(editor), QStringLiteral("ab\\n<p>\\n"));
-        QCOMPARE(Text(w.rtbText[4]), QStringLiteral("ab\r\r"));
-        QVERIFY(!Text(editor).contains('\n') && !Text(editor).contains('\r'));
-    }
-
-    void enterWithModifiersIsStillABreakKey() {
-        RichTextBox* editor = window_->rtbText[0];
-        editor->setFocus();
-        for (auto modifiers : {Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier}) {
-            editor->SetPlainText(u"");
-            QTest::keyClick(editor, Qt::Key_Return, modifiers);
-            QCOMPARE(Text(editor), QStringLiteral("\\n<br>\\n"));
-        }
-    }
-
-    void markerCanBeUndone() {
-        frmMain& w = *window_;
-        w.rtbText[1]->SetPlainText(u"Bonjour");
-        w.rtbText[1]->SetCaret(3);
-        QTest::mouseClick(w.cmdRightJus[1], Qt::LeftButton);
-        QCOMPARE(Text(w.rtbText[1]), QStringLiteral("Bon\\n<jr>\\njour"));
-        QTest::keyClick(w.rtbText[1], Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(Text(w.rtbText[1]), QStringLiteral("Bonjour"));
-        QCOMPARE(Text(w.rtbText[5]), QStringLiteral("Bonjour"));
-    }
-
-    void colourEntryThroughTheBoxes() {
-        frmMain& w = *window_;
-        QTest::mouseClick(w.cmdColor[2], Qt::LeftButton);
-        for (int k = 6; k < 9; ++k) {
-            QVERIFY(w.txtColor[k]->isEnabled());
-        }
-        QVERIFY(w.cmdOK[2]->isEnabled());
-        QVERIFY(!w.cmdOK[0]->isEnabled());
+    // A marker goes in at the caret, which moves behind it, and the editor
+    // takes the focus; a second click switches centring off; the colour boxes
+    // open for their marker and close again; Ctrl+Z takes a marker out.
+    void markerButtons() {
+        const LanguagePage& page = *m_window->languagePages[2];
+        m_window->tabs->setCurrentIndex(2);
+        page.bodyEditor->replaceText(u"Bonjour");
+        page.bodyEditor->setCaretPosition(3);
+        QTest::mouseClick(page.centreButton, Qt::LeftButton);
+        QCOMPARE(text(page.bodyEditor), "Bon\\n<jc>\\njour");
+        QCOMPARE(QApplication::focusWidget(), page.bodyEditor);
+        QTest::mouseClick(page.centreButton, Qt::LeftButton);
+        QTest::mouseClick(page.colourButton, Qt::LeftButton);
+        QVERIFY(!m_window->languagePages[0]->okButton->isEnabled());
         const char* values[] = {"255", "128", "0"};
         for (int c = 0; c < 3; ++c) {
-            w.txtColor[6 + c]->selectAll();
-            QTest::keyClicks(w.txtColor[6 + c], values[c]);
+            page.colourBoxes[c]->selectAll();
+            QTest::keyClicks(page.colourBoxes[c], values[c]);
         }
-        QTest::mouseClick(w.cmdOK[2], Qt::LeftButton);
-        QCOMPARE(Text(w.rtbText[2]), QStringLiteral("\\n<dc=255,128,0>\\n"));
-        for (int k = 6; k < 9; ++k) {
-            QVERIFY(!w.txtColor[k]->isEnabled());
-            QCOMPARE(w.txtColor[k]->text(), QStringLiteral("0"));
+        QTest::mouseClick(page.okButton, Qt::LeftButton);
+        QCOMPARE(text(page.bodyEditor), "Bon\\n<jc>\\n\\n<dc=255,128,0>\\njour");
+        for (const QLineEdit* box : page.colourBoxes) {
+            QVERIFY(!box->isEnabled() && box->text() == "0");
         }
-        QVERIFY(!w.cmdOK[2]->isEnabled());
-        QCOMPARE(w.cmdColor[2]->palette().color(QPalette::Button), QColor(255, 128, 0));
-        QCOMPARE(w.rtbText[6]->CharacterColour(0), QColor(255, 128, 0));
+        QVERIFY(!page.okButton->isEnabled());
+        QCOMPARE(page.colourButton->palette().color(QPalette::Button), QColor(255, 128, 0));
+        // The last letter of the preview, behind the colour marker.
+        QCOMPARE(m_window->richTextBox(6)->characterColour(24), QColor(255, 128, 0));
+        QTest::keyClick(page.bodyEditor, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(text(page.bodyEditor), "Bon\\n<jc>\\njour");
+        QCOMPARE(text(m_window->richTextBox(6)), rendered(page.bodyEditor));
     }
 
-    void copyCanBeUndoneInEachTarget() {
-        frmMain& w = *window_;
-        for (int i = 0; i < 4; ++i) {
-            w.rtbText[i]->SetPlainText(QStringLiteral("text %1").arg(i).toStdU16String());
-            w.txtTitle[i]->setText(QStringLiteral("title %1").arg(i));
+    // Enter, on either key and with any modifier, writes the next break
+    // marker; undo and redo step through them; the preview follows each step.
+    void enterKeysUndoAndRedo() {
+        RichTextBox* editor = m_window->richTextBox(0);
+        QTest::keyClicks(editor, "ab");
+        const std::tuple<Qt::Key, Qt::KeyboardModifiers, const char*> steps[] = {
+            {Qt::Key_Return, Qt::NoModifier, "ab\\n<br>\\n"},
+            {Qt::Key_Enter, Qt::ShiftModifier, "ab\\n<p>\\n"},
+            {Qt::Key_Return, Qt::ControlModifier, "ab\\n<pb>\\n"},
+            {Qt::Key_Return, Qt::AltModifier, "ab\\n<pb>\\n\\n<br>\\n"},
+            {Qt::Key_Z, Qt::ControlModifier, "ab\\n<pb>\\n"},
+            {Qt::Key_Z, Qt::ControlModifier, "ab\\n<p>\\n"},
+            {Qt::Key_Y, Qt::ControlModifier, "ab\\n<pb>\\n"},
+            {Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier, "ab\\n<pb>\\n\\n<br>\\n"}};
+        for (const auto& [key, modifiers, expected] : steps) {
+            QTest::keyClick(editor, key, modifiers);
+            QCOMPARE(text(editor), expected);
+            QCOMPARE(text(m_window->richTextBox(4)), rendered(editor));
         }
-        QTest::mouseClick(w.cmdCopy[1], Qt::LeftButton);
-        for (int i = 0; i < 4; ++i) {
-            QCOMPARE(Text(w.rtbText[i]), QStringLiteral("text 1"));
-            QCOMPARE(Text(w.rtbText[4 + i]), QStringLiteral("text 1"));
-            QCOMPARE(w.txtTitle[i]->text(), QStringLiteral("title %1").arg(i));
-        }
-        w.rtbText[2]->setFocus();
-        QTest::keyClick(w.rtbText[2], Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(Text(w.rtbText[2]), QStringLiteral("text 2"));
-        QCOMPARE(Text(w.rtbText[6]), QStringLiteral("text 2"));
-        QCOMPARE(Text(w.rtbText[3]), QStringLiteral("text 1"));
     }
 
-    void loadCanBeUndone() {
-        frmMain& w = *window_;
+    // Copy, then a save and a load through the buttons; copy and load are each
+    // one undo step of every editor they change.
+    void copySaveAndLoadThroughTheButtons() {
+        MainWindow& w = *m_window;
         QTemporaryDir dir;
-        w.rtbText[0]->SetPlainText(u"saved");
-        w.Save("s", dir.path());
-        w.rtbText[0]->SetPlainText(u"typed since");
-        w.Load("s", dir.path());
-        QCOMPARE(Text(w.rtbText[0]), QStringLiteral("saved"));
-        w.rtbText[0]->setFocus();
-        QTest::keyClick(w.rtbText[0], Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(Text(w.rtbText[0]), QStringLiteral("typed since"));
-        QCOMPARE(Text(w.rtbText[4]), QStringLiteral("typed since"));
-        QVERIFY(messages_.shown.empty());
-    }
+        m_dialog.nextPath = dir.filePath("tower.sch").toStdU16String();
+        w.locationButton->click();
+        for (int i = 0; i < kLanguageCount; ++i) {
+            w.richTextBox(i)->replaceText(QStringLiteral("text %1").arg(i).toStdU16String());
+        }
+        QTest::mouseClick(w.languagePages[1]->copyButton, Qt::LeftButton);
+        for (int i = 0; i < kLanguageCount; ++i) {
+            QCOMPARE(text(w.richTextBox(i)), "text 1");
+            QCOMPARE(text(w.richTextBox(4 + i)), "text 1");
+        }
+        QTest::keyClick(w.richTextBox(2), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(text(w.richTextBox(2)), "text 2");
+        QCOMPARE(text(w.richTextBox(6)), "text 2");
+        QCOMPARE(text(w.richTextBox(3)), "text 1");
 
-  private:
-    std::unique_ptr<frmMain> window_;
-    RecordingMessageBox messages_;
-    FakeFileDialog dialog_;
+        w.languagePages[0]->titleBox->setText("The Tower");
+        w.richTextBox(0)->replaceText(u"Hello\\n<br>\\nWorld");
+        w.fontBox->setCurrentIndex(1);
+        w.saveButton->click();
+        w.languagePages[0]->titleBox->setText("changed");
+        w.richTextBox(0)->replaceText(u"changed");
+        w.fontBox->setCurrentIndex(3);
+        w.loadButton->click();
+        QCOMPARE(w.languagePages[0]->titleBox->text(), "The Tower");
+        QCOMPARE(text(w.richTextBox(0)), "Hello\\n<br>\\nWorld");
+        QCOMPARE(text(w.richTextBox(4)), "Hello\rWorld");
+        QCOMPARE(w.fontBox->currentIndex(), 1);
+        QTest::keyClick(w.richTextBox(0), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(text(w.richTextBox(0)), "changed");
+        QCOMPARE(text(w.richTextBox(4)), "changed");
+        QVERIFY(m_messages.shown.empty());
+    }
 };
 
 QTEST_MAIN(EditingTest)
