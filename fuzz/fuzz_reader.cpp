@@ -1,7 +1,8 @@
 // Arbitrary bytes as a schema file, taken apart in memory by the reader as the
 // window reads them and in the older layout only. Whatever the bytes, the read
 // holds at most four records, stops at its first unreadable one, names fonts
-// consistently, and a record length limit only ever fails the read as a whole.
+// consistently, a record length limit only ever fails the read as a whole, and
+// a file without the writer's layout reads the same in both layouts.
 #include <algorithm>
 #include <cstdlib>
 
@@ -41,7 +42,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     const SchemaRead read = readSchema(bytes);
     check(read);
-    check(readSchema(bytes, ReaderOptions{false, 0}));
+    const SchemaRead older = readSchema(bytes, ReaderOptions{false, 0});
+    check(older);
+    // Widening the reader to the writer's layout changes nothing for a file
+    // that cannot hold a record in that layout, which opens with "\n<font=".
+    // (The older layout needs no "<": its markers are found by position.)
+    if (bytes.find('<') == std::string_view::npos && older.records != read.records) {
+        std::abort();
+    }
     const SchemaRead limited = readSchema(bytes, ReaderOptions{true, 64});
     check(limited);
     if (!limited.records.empty() && limited.records != read.records) {

@@ -138,16 +138,5 @@ TEST_F(SaveTest, FileSizeLimitMidWriteKeepsTheOldFile) {
     EXPECT_EQ(listDirectory(m_dir.path()), std::set<std::string>{"s.sch"});
 }
 
-TEST_F(SaveTest, LoadingWhatIsNoReadableFileFails) {
-    std::filesystem::create_directory(m_dir / "folder.sch");
-    for (const char* name : {"missing", "folder"}) {
-        EXPECT_FALSE(loadSchema(T(m_dir.path()), T(name)).file) << name;
-    }
-    ASSERT_TRUE(saveTo(m_dir.path(), "saved"));
-    const LoadResult loaded = loadSchema(T(m_dir.path() + "/"), u"saved");
-    EXPECT_TRUE(loaded.file);
-    EXPECT_TRUE(loaded.read.complete());
-}
-
 }  // namespace
 }  // namespace lorekeep

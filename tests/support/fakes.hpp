@@ -12,8 +12,7 @@
 namespace lorekeep::testing {
 
 // Records every message box instead of showing it.
-class RecordingMessageBox final : public editor::MessageBox {
-  public:
+struct RecordingMessageBox final : editor::MessageBox {
     struct Shown {
         Text text;
         Text title;
@@ -25,26 +24,19 @@ class RecordingMessageBox final : public editor::MessageBox {
     std::vector<Shown> shown;
 };
 
-// Answers `first` and then one second later on every further reading, so a
-// save that reads the clock more than once is caught.
-class SteppingClock final : public Clock {
-  public:
-    explicit SteppingClock(LocalDateTime first) : m_next(first) {}
+// Always the worked example's stamp; counts its readings, so that a save
+// that reads the clock more than once (and might stamp its records
+// differently) is caught.
+struct CountingClock final : Clock {
     LocalDateTime now() const override {
         ++readings;
-        LocalDateTime now = m_next;
-        m_next.second = (m_next.second + 1) % 60;
-        return now;
+        return {2005, 3, 14, 14, 5, 9};
     }
     mutable int readings = 0;
-
-  private:
-    mutable LocalDateTime m_next;
 };
 
 // A rich-text box: an editor for the commands and a preview pane.
-class FakeRichTextBox final : public editor::EditorBox, public editor::PreviewPane {
-  public:
+struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     Text plainText() const override { return text; }
     void replaceText(TextView value) override {
         text = Text(value);
@@ -55,9 +47,7 @@ class FakeRichTextBox final : public editor::EditorBox, public editor::PreviewPa
         }
     }
     std::size_t caretPosition() const override { return caret; }
-    void setCaretPosition(std::size_t position) override {
-        caret = std::min(position, text.size());
-    }
+    void setCaretPosition(std::size_t at) override { caret = std::min(at, text.size()); }
     void giveFocus() override { focused = true; }
     void showPreview(const markup::RenderedPreview& value) override { preview = value; }
 
@@ -69,33 +59,23 @@ class FakeRichTextBox final : public editor::EditorBox, public editor::PreviewPa
     std::function<void()> onChange;
 };
 
-class FakeTextBox final : public editor::TextBox {
-  public:
-    explicit FakeTextBox(Text initial = {}, bool isEnabled = true)
-        : value(std::move(initial)), enabled(isEnabled) {}
+// A single-line text box or a button: whatever the commands set on it.
+struct FakeControl final : editor::TextBox, editor::Button {
     Text text() const override { return value; }
     void setText(TextView text) override { value = Text(text); }
     void setEnabled(bool on) override { enabled = on; }
-    Text value;
-    bool enabled;
-};
-
-class FakeButton final : public editor::Button {
-  public:
-    explicit FakeButton(bool isEnabled = true) : enabled(isEnabled) {}
-    void setEnabled(bool on) override { enabled = on; }
     void setBackgroundColour(markup::Rgb colour) override { background = colour; }
-    bool enabled;
+    Text value;
+    bool enabled = true;
     std::optional<markup::Rgb> background;
 };
 
 // Shows "Font" with nothing selected, as the window starts.
-class FakeFontBox final : public editor::FontBox {
-  public:
+struct FakeFontBox final : editor::FontBox {
     Text currentText() const override { return text; }
-    void setCurrentEntry(int position) override {
-        selected = position;
-        text = Text(kFontNames.at(static_cast<std::size_t>(position)));
+    void setCurrentEntry(int entry) override {
+        selected = entry;
+        text = Text(kFontNames.at(static_cast<std::size_t>(entry)));
     }
     void setEditText(TextView value) override {
         selected = -1;
@@ -106,12 +86,11 @@ class FakeFontBox final : public editor::FontBox {
 };
 
 // Answers with a scripted choice; an empty path cancels.
-class FakeFileDialog final : public editor::FileDialog {
-  public:
+struct FakeFileDialog final : editor::FileDialog {
     void setDefaultSuffix(TextView value) override { suffix = Text(value); }
     void setTitle(TextView value) override { title = Text(value); }
-    void setFilter(TextView description, TextView pattern) override {
-        filter = Text(description) + u"|" + Text(pattern);
+    void setFilter(TextView text, TextView pattern) override {
+        filter = Text(text) + u"|" + Text(pattern);
     }
     void exec() override {
         ++shown;
@@ -130,19 +109,23 @@ struct FakeWindow {
         for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
             boxes[k].onChange = [this, k] { editor.textChanged(k); };
         }
-        for (auto& box : colourBoxes) {
-            box = FakeTextBox(u"0", false);
+        for (FakeControl& box : colourBoxes) {
+            box.value = u"0";
+            box.enabled = false;
         }
-        for (auto& button : okButtons) {
+        for (FakeControl& button : okButtons) {
             button.enabled = false;
         }
     }
     FakeWindow(const FakeWindow&) = delete;
-    FakeWindow& operator=(const FakeWindow&) = delete;
 
     editor::WindowControls controls() {
-        editor::WindowControls c{.folderBox = &folder, .nameBox = &name, .fontBox = &font,
-                                 .messages = &messages, .fileDialog = &dialog, .clock = &clock};
+        editor::WindowControls c{.folderBox = &folder,
+                                 .nameBox = &name,
+                                 .fontBox = &font,
+                                 .messages = &messages,
+                                 .fileDialog = &dialog,
+                                 .clock = &clock};
         for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
             c.richTextBoxes[k] = &boxes[k];
         }
@@ -161,23 +144,23 @@ struct FakeWindow {
     // Titles, bodies and the font as the window shows them.
     SchemaDocument document() const {
         SchemaDocument doc;
+        doc.font = font.text;
         for (int i = 0; i < kLanguageCount; ++i) {
             doc.entries[i] = {titles[i].value, boxes[i].text};
         }
-        doc.font = font.text;
         return doc;
     }
 
     std::array<FakeRichTextBox, editor::kRichTextBoxCount> boxes;  // rtbText(0..7)
-    std::array<FakeTextBox, kLanguageCount> titles;
-    std::array<FakeTextBox, 12> colourBoxes;  // "0" and disabled, as the window starts
-    std::array<FakeButton, kLanguageCount> colourButtons;
-    std::array<FakeButton, kLanguageCount> okButtons;  // disabled
-    FakeTextBox folder, name;
+    std::array<FakeControl, kLanguageCount> titles;
+    std::array<FakeControl, 12> colourBoxes;  // "0" and disabled, as the window starts
+    std::array<FakeControl, kLanguageCount> colourButtons;
+    std::array<FakeControl, kLanguageCount> okButtons;  // disabled
+    FakeControl folder, name;
     FakeFontBox font;
     RecordingMessageBox messages;
     FakeFileDialog dialog;
-    SteppingClock clock{LocalDateTime{2005, 3, 14, 14, 5, 9}};
+    CountingClock clock;
     editor::SchemaEditor editor;
 };
 

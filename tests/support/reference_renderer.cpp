@@ -1,6 +1,7 @@
 #include "support/reference_renderer.hpp"
 
 #include <algorithm>
+#include <tuple>
 
 #include "markup/markers.hpp"
 #include "markup/renderer.hpp"
@@ -120,39 +121,28 @@ bool charactersAre(const Text& t, long p, std::u16string_view what) {
            from(t, p, static_cast<long>(what.size())) == what;
 }
 
-bool characterIs(const Text& t, long p, char16_t c) {
-    return p >= 1 && p <= static_cast<long>(t.size()) && t[static_cast<std::size_t>(p - 1)] == c;
-}
-
-// "Replace the n characters from i by X".
+// "Replace the n characters from i by X", then place the caret at offset i.
 void replace(ModelPane& pane, long i, long n, std::u16string_view x) {
     pane.replaceText(static_cast<std::size_t>(i - 1), static_cast<std::size_t>(n), x);
+    pane.placeCaret(static_cast<std::size_t>(i));
 }
 
-void justify(ModelPane& pane, long i, Alignment alignment) {
-    replace(pane, i, 8, u"");                       // J1
-    pane.selectToEnd(static_cast<std::size_t>(i));  // J2: offset i, not i - 1
-    pane.alignSelection(alignment);                 // J3
-}
-
-long componentLength(const Text& t, long from, char16_t terminator) {
-    for (long x = 0; x <= 3; ++x) {
-        if (characterIs(t, from + x, terminator)) {
-            return x;
-        }
+// The length of a colour component from `from`: up to its terminator, 4 at most.
+long componentLength(const Text& t, long from, std::u16string_view terminator) {
+    long x = 0;
+    while (x <= 3 && !charactersAre(t, from + x, terminator)) {
+        ++x;
     }
-    return 4;
+    return x;
 }
 
-void colour(ModelPane& pane, long i) {
-    const Text t = pane.readText();
-    const long j = componentLength(t, i + 6, u',');  // C1
+void colour(ModelPane& pane, const Text& t, long i) {
+    const long j = componentLength(t, i + 6, u",");  // C1
     const Text r = from(t, i + 6, j);
-    const long k = componentLength(t, i + 7 + j, u',');  // C2
+    const long k = componentLength(t, i + 7 + j, u",");  // C2
     const Text g = from(t, i + 7 + j, k);
-    const long m = componentLength(t, i + 8 + j + k, markup::kTagEnd);  // C3
+    const long m = componentLength(t, i + 8 + j + k, u">");  // C3
     const Text b = from(t, i + 8 + j + k, m);
-
     pane.selectToEnd(static_cast<std::size_t>(i));  // C4
     const auto red = markup::colourComponentValue(r);
     const auto green = markup::colourComponentValue(g);
@@ -160,62 +150,50 @@ void colour(ModelPane& pane, long i) {
     if (red && green && blue) {
         pane.colourSelection({*red, *green, *blue});
     }
-
-    long e = i + 33;  // C5
-    for (long p = i + 3; p <= i + 32; ++p) {
-        if (charactersAre(t, p, markup::kSeparator)) {
-            e = p + 2;
-            break;
-        }
+    long e = i + 3;  // C5
+    while (e <= i + 32 && !charactersAre(t, e, markup::kSeparator)) {
+        ++e;
     }
-    // C6: the first i - 1 characters, the shown components, T from e.
-    replace(pane, i, e - i, markup::shownColour(r, g, b));
-    pane.placeCaret(static_cast<std::size_t>(i));
+    const long end = e <= i + 32 ? e + 2 : i + 33;
+    replace(pane, i, end - i, markup::shownColour(r, g, b));  // C6
 }
 
 void parseInPlace(ModelPane& pane) {
-    const Text pageBreak = Text(1, markup::kLineBreakCharacter) + Text(markup::kPageBreakLine) +
-                           Text(1, markup::kLineBreakCharacter);
-    long i = 1;  // step 1
-    Text t;
-    bool changed = true;
-    for (;;) {
-        if (changed) {  // every later test reads the text that the replacement left
-            t = pane.readText();
-            changed = false;
-        }
+    const Text cr(1, markup::kLineBreakCharacter);
+    // Rows 3 to 8 of the tag table: justifications, then breaks with their span.
+    const std::tuple<std::u16string_view, Alignment, long, Text> fixed[] = {
+        {markup::kTagLeft, Alignment::Left, 0, {}},
+        {markup::kTagRight, Alignment::Right, 0, {}},
+        {markup::kTagCentre, Alignment::Centre, 0, {}},
+        {markup::kTagLineBreak, {}, 8, cr},
+        {markup::kTagParagraph, {}, 7, cr + cr},
+        {markup::kTagPageBreak, {}, 8, cr + Text(markup::kPageBreakLine) + cr}};
+    for (long i = 1;;) {                         // step 1
+        const Text t = pane.readText();          // every test reads what the last replacement left
         if (i >= static_cast<long>(t.size())) {  // step 2
             return;
         }
-        if (!charactersAre(t, i, markup::kSeparator)) {  // step 3
+        if (!charactersAre(t, i, markup::kSeparator) ||
+            charactersAre(t, i + 3, markup::kTagFont)) {  // steps 3 and 4, row 1
             ++i;
             continue;
         }
-        changed = true;
-        if (charactersAre(t, i + 3, markup::kTagFont)) {  // step 4, rows 1-8
-            changed = false;
-        } else if (charactersAre(t, i + 3, markup::kTagColour)) {
-            colour(pane, i);
-        } else if (charactersAre(t, i + 3, markup::kTagLeft)) {
-            justify(pane, i, Alignment::Left);
-            continue;
-        } else if (charactersAre(t, i + 3, markup::kTagRight)) {
-            justify(pane, i, Alignment::Right);
-            continue;
-        } else if (charactersAre(t, i + 3, markup::kTagCentre)) {
-            justify(pane, i, Alignment::Centre);
-            continue;
-        } else if (charactersAre(t, i + 3, markup::kTagLineBreak)) {
-            replace(pane, i, 8, Text(1, markup::kLineBreakCharacter));
-            pane.placeCaret(static_cast<std::size_t>(i));
-        } else if (charactersAre(t, i + 3, markup::kTagParagraph)) {
-            replace(pane, i, 7, Text(2, markup::kLineBreakCharacter));
-            pane.placeCaret(static_cast<std::size_t>(i));
-        } else if (charactersAre(t, i + 3, markup::kTagPageBreak)) {
-            replace(pane, i, 8, pageBreak);
-            pane.placeCaret(static_cast<std::size_t>(i));
-        } else {  // no known tag: the separator and what follows stay
-            changed = false;
+        if (charactersAre(t, i + 3, markup::kTagColour)) {  // row 2
+            colour(pane, t, i);
+        }
+        for (const auto& [tag, alignment, span, replacement] : fixed) {
+            if (!charactersAre(t, i + 3, tag)) {
+                continue;
+            }
+            if (span == 0) {  // J1 to J3, then the same position again
+                pane.replaceText(static_cast<std::size_t>(i - 1), 8, u"");
+                pane.selectToEnd(static_cast<std::size_t>(i));  // offset i, not i - 1
+                pane.alignSelection(alignment);
+                --i;
+            } else {
+                replace(pane, i, span, replacement);
+            }
+            break;
         }
         ++i;  // step 5
     }

@@ -64,54 +64,6 @@ inline std::vector<std::string> caseNames(const std::string& folder, const std::
     return names;
 }
 
-// 0..3 for "english" to "italian", kLanguageCount for anything else.
-inline std::size_t languageNamed(const std::string& name) {
-    const char* names[] = {"english", "french", "german", "italian"};
-    std::size_t k = 0;
-    while (k < kLanguageCount && name != names[k]) {
-        ++k;
-    }
-    return k;
-}
-
-// A line of a case file: "WHO VALUE", or "LANGUAGE FIELD VALUE" where WHO
-// names a language. The value runs to the end of the line; "<CR>" and "<LF>"
-// in it stand for real line breaks. Blank lines and "#" lines say nothing.
-struct CaseLine {
-    std::string who;
-    std::string field;
-    Text value;
-};
-
-inline std::vector<CaseLine> readCaseFile(const std::string& path) {
-    auto word = [](std::string& rest) {
-        const auto space = rest.find(' ');
-        std::string first = rest.substr(0, space);
-        rest = space == std::string::npos ? std::string() : rest.substr(space + 1);
-        return first;
-    };
-    std::vector<CaseLine> lines;
-    std::ifstream in(path);
-    for (std::string rest; std::getline(in, rest);) {
-        if (rest.empty() || rest[0] == '#') {
-            continue;
-        }
-        CaseLine line;
-        line.who = word(rest);
-        if (languageNamed(line.who) < kLanguageCount) {
-            line.field = word(rest);
-        }
-        for (auto [token, character] : {std::pair{"<CR>", "\r"}, std::pair{"<LF>", "\n"}}) {
-            for (auto at = rest.find(token); at != std::string::npos; at = rest.find(token)) {
-                rest.replace(at, 4, character);
-            }
-        }
-        line.value = T(rest);
-        lines.push_back(std::move(line));
-    }
-    return lines;
-}
-
 // A fresh directory, removed with its contents when the object goes.
 class TempDir {
   public:
