@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "schema/date_stamp.hpp"
-#include "schema/schema_document.hpp"
 #include "schema/windows1252.hpp"
 #include "support/test_support.hpp"
 
@@ -9,18 +8,6 @@ namespace lorekeep {
 namespace {
 
 using testing::T;
-
-TEST(SchemaPath, ConcatenatesWithoutTrimming) {
-    const std::array<const char*, 3> cases[] = {
-        {"/home/me/Schemas", "intro", "/home/me/Schemas/intro.sch"},
-        {"/home/me/Schemas/", "intro", "/home/me/Schemas//intro.sch"},
-        {"dir", "intro.sch", "dir/intro.sch.sch"},
-        {" ", "", " /.sch"},
-    };
-    for (const auto& [folder, name, path] : cases) {
-        EXPECT_EQ(schemaPath(T(folder), T(name)), T(path));
-    }
-}
 
 TEST(DateStamp, PicksYearMonthAndDayByPositionInFixedWidths) {
     const std::pair<const char*, const char*> cases[] = {
@@ -34,7 +21,6 @@ TEST(DateStamp, PicksYearMonthAndDayByPositionInFixedWidths) {
     }
     EXPECT_EQ(formatDateStamp(LocalDateTime{987, 1, 5, 0, 0, 0}), u"0987-01-05");
     EXPECT_EQ(formatTimeStamp(LocalDateTime{2005, 3, 14, 4, 5, 9}), u"04:05:09");
-    EXPECT_EQ(formatTimeStamp(LocalDateTime{2005, 3, 14, 23, 59, 59}), u"23:59:59");
 }
 
 TEST(Windows1252, EveryCharacterOfTheCodePageBecomesItsByte) {

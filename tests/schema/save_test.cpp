@@ -23,6 +23,17 @@ using testing::TempDir;
 using testing::workedExample;
 using testing::writeBytes;
 
+// Every name in a folder with its file's bytes ("" for anything else).
+std::map<std::string, std::string> snapshot(const std::string& folder) {
+    std::map<std::string, std::string> files;
+    for (const std::string& name : listDirectory(folder)) {
+        std::error_code ec;
+        const bool file = std::filesystem::is_regular_file(folder + "/" + name, ec);
+        files[name] = file ? readBytes(folder + "/" + name) : "";
+    }
+    return files;
+}
+
 class SaveTest : public ::testing::Test {
   protected:
     // Saves a document (the worked example unless given) as folder/name.sch.
@@ -85,19 +96,9 @@ TEST_F(SaveTest, FailuresLeaveTheFolderUntouched) {
     for (const auto& [what, arrange, name] : cases) {
         TempDir dir;
         arrange(dir);
-        const auto before = listDirectory(dir.path());
-        std::map<std::string, std::string> contents;
-        for (const auto& file : before) {
-            std::error_code ec;
-            if (std::filesystem::is_regular_file(dir / file, ec)) {
-                contents[file] = readBytes(dir / file);
-            }
-        }
+        const auto before = snapshot(dir.path());
         EXPECT_FALSE(saveTo(dir.path(), name)) << what;
-        EXPECT_EQ(listDirectory(dir.path()), before) << what;
-        for (const auto& [file, bytes] : contents) {
-            EXPECT_EQ(readBytes(dir / file), bytes) << what;
-        }
+        EXPECT_EQ(snapshot(dir.path()), before) << what;
     }
 }
 

@@ -16,10 +16,8 @@ class MarkerSoup {
     explicit MarkerSoup(std::uint32_t seed) : m_random(seed) {}
 
     Text next(std::size_t maxLength) {
-        std::uniform_int_distribution<std::size_t> lengthPick(0, maxLength);
-        const std::size_t length = lengthPick(m_random);
         Text body;
-        while (body.size() < length) {
+        for (const std::size_t length = m_random() % (maxLength + 1); body.size() < length;) {
             body.append(piece());
         }
         return body;
@@ -37,8 +35,7 @@ class MarkerSoup {
             u"9", u"255", u"-", u"\r", u"\n", u" ", u"Hello", u"é€", u"ab",
             // fillers that put a colour marker's closing separator near the end of its reach
             u"abcdefghijklmnopqrst", u"0123456789", u"abcdefghijklmnopqrstuvwxyz"};
-        std::uniform_int_distribution<std::size_t> pick(0, kPieces.size() - 1);
-        return Text(kPieces[pick(m_random)]);
+        return Text(kPieces[m_random() % kPieces.size()]);
     }
 
   private:

@@ -25,60 +25,45 @@ using markup::Rgb;
 class ModelPane {
   public:
     explicit ModelPane(TextView text)
-        : m_text(text),
-          m_colours(text.size()),
-          m_paragraphs(separators(text) + 1, Alignment::Left) {}
+        : m_text(text), m_colours(text.size()), m_paragraphs(separators(text) + 1) {}
 
     Text readText() const { return m_text; }
 
     void replaceText(std::size_t offset, std::size_t count, TextView with) {
         offset = std::min(offset, m_text.size());
         count = std::min(count, m_text.size() - offset);
-        CharColour inserted;
-        if (count > 0) {
-            inserted = m_colours[offset + count - 1];
-        } else if (offset > 0) {
-            inserted = m_colours[offset - 1];
-        }
-        const std::size_t paragraph = paragraphAt(offset);
-        const Alignment alignment = m_paragraphs[paragraph];
-        const auto first = m_paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraph);
-        m_paragraphs.erase(first,
-                           first + static_cast<std::ptrdiff_t>(
-                                       separators(TextView(m_text).substr(offset, count)) + 1));
-        m_paragraphs.insert(m_paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraph),
-                            separators(with) + 1, alignment);
+        const CharColour inserted = count > 0    ? m_colours[offset + count - 1]
+                                    : offset > 0 ? m_colours[offset - 1]
+                                                 : CharColour();
+        const auto paragraph = m_paragraphs.begin() + paragraphAt(offset);
+        const Alignment alignment = *paragraph;
+        const auto joined = separators(TextView(m_text).substr(offset, count)) + 1;
+        m_paragraphs.insert(m_paragraphs.erase(paragraph, paragraph + joined), separators(with) + 1,
+                            alignment);
         m_text.replace(offset, count, with);
-        const auto at = m_colours.begin() + static_cast<std::ptrdiff_t>(offset);
-        m_colours.erase(at, at + static_cast<std::ptrdiff_t>(count));
-        m_colours.insert(m_colours.begin() + static_cast<std::ptrdiff_t>(offset), with.size(),
-                         inserted);
-        m_start = std::min(m_start, m_text.size());
-        m_length = std::min(m_length, m_text.size() - m_start);
+        const auto at =
+            m_colours.erase(m_colours.begin() + offset, m_colours.begin() + offset + count);
+        m_colours.insert(at, with.size(), inserted);
+        select(m_start, std::min(m_length, m_text.size() - std::min(m_start, m_text.size())));
     }
 
-    void placeCaret(std::size_t offset) {
+    // From `offset` for `length` characters; both cut at the end of the text.
+    void select(std::size_t offset, std::size_t length) {
         m_start = std::min(offset, m_text.size());
-        m_length = 0;
+        m_length = std::min(length, m_text.size() - m_start);
     }
-
-    void selectToEnd(std::size_t offset) {
-        m_start = std::min(offset, m_text.size());
-        m_length = m_text.size() - m_start;
-    }
+    void placeCaret(std::size_t offset) { select(offset, 0); }
+    void selectToEnd(std::size_t offset) { select(offset, m_text.size()); }
 
     void colourSelection(Rgb colour) {
-        std::fill_n(m_colours.begin() + static_cast<std::ptrdiff_t>(m_start), m_length,
-                    CharColour(colour));
+        std::fill_n(m_colours.begin() + m_start, m_length, CharColour(colour));
     }
 
     // Every paragraph the selection touches; an empty selection aligns the
     // paragraph in which it stands.
     void alignSelection(Alignment alignment) {
-        std::fill(
-            m_paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraphAt(m_start)),
-            m_paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraphAt(m_start + m_length) + 1),
-            alignment);
+        std::fill(m_paragraphs.begin() + paragraphAt(m_start),
+                  m_paragraphs.begin() + paragraphAt(m_start + m_length) + 1, alignment);
     }
 
     RenderedPreview snapshot() const {
@@ -92,12 +77,11 @@ class ModelPane {
     }
 
   private:
-    static std::size_t separators(TextView text) {
-        return static_cast<std::size_t>(
-            std::count_if(text.begin(), text.end(), markup::isParagraphSeparator));
+    static std::ptrdiff_t separators(TextView text) {
+        return std::count_if(text.begin(), text.end(), markup::isParagraphSeparator);
     }
-    std::size_t paragraphAt(std::size_t offset) const {
-        return separators(TextView(m_text).substr(0, std::min(offset, m_text.size())));
+    std::ptrdiff_t paragraphAt(std::size_t offset) const {
+        return separators(TextView(m_text).substr(0, offset));
     }
 
     Text m_text;
@@ -205,20 +189,6 @@ RenderedPreview referenceRender(TextView body) {
     ModelPane pane(body);
     parseInPlace(pane);
     return pane.snapshot();
-}
-
-std::vector<CharColour> colourOfEachCharacter(const RenderedPreview& preview) {
-    std::vector<CharColour> colours(preview.text.size());
-    for (std::size_t k = 0; k < preview.colours.size(); ++k) {
-        const std::size_t end =
-            k + 1 < preview.colours.size() ? preview.colours[k + 1].start : colours.size();
-        const std::size_t start = std::min(preview.colours[k].start, colours.size());
-        std::fill(colours.begin() + static_cast<std::ptrdiff_t>(start),
-                  colours.begin() +
-                      static_cast<std::ptrdiff_t>(std::max(start, std::min(end, colours.size()))),
-                  preview.colours[k].colour);
-    }
-    return colours;
 }
 
 }  // namespace lorekeep::testing

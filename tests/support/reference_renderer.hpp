@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vector>
-
 #include "markup/preview.hpp"
 
 namespace lorekeep::testing {
@@ -12,8 +10,5 @@ namespace lorekeep::testing {
 // Quadratic, and meant to be: the oracle that the program's one-pass renderer
 // is checked against.
 markup::RenderedPreview referenceRender(TextView body);
-
-// The colour of every character, expanded from a preview's runs.
-std::vector<markup::CharColour> colourOfEachCharacter(const markup::RenderedPreview& preview);
 
 }  // namespace lorekeep::testing

@@ -3,10 +3,8 @@
 #include <stdlib.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -33,22 +31,6 @@ inline void writeBytes(const std::string& path, const std::string& bytes) {
 
 inline std::string dataPath(const std::string& name) {
     return std::string(LOREKEEP_TEST_DATA_DIR) + "/" + name;
-}
-
-// A text as it can be pasted back into a test: control characters and
-// non-ASCII as \uXXXX escapes.
-inline std::string escaped(TextView text) {
-    std::string out;
-    for (char16_t c : text) {
-        if (c >= 0x20 && c < 0x7F && c != u'\\' && c != u'"') {
-            out.push_back(static_cast<char>(c));
-        } else {
-            char buffer[8];
-            std::snprintf(buffer, sizeof buffer, "\\u%04X", static_cast<unsigned>(c));
-            out += buffer;
-        }
-    }
-    return out;
 }
 
 // The cases of a data folder: the names of its files ending in `extension`,
