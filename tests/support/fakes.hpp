@@ -90,7 +90,7 @@ struct FakeFileDialog final : editor::FileDialog {
     void setDefaultSuffix(TextView value) override { suffix = Text(value); }
     void setTitle(TextView value) override { title = Text(value); }
     void setFilter(TextView text, TextView pattern) override {
-        filter = Text(text) + u"|" + Text(pattern);
+        filter.assign(text).append(u"|").append(pattern);
     }
     void exec() override {
         ++shown;
@@ -110,7 +110,7 @@ struct FakeWindow {
             boxes[k].onChange = [this, k] { editor.textChanged(k); };
         }
         for (FakeControl& box : colourBoxes) {
-            box.value = u"0";
+            box.setText(u"0");
             box.enabled = false;
         }
         for (FakeControl& button : okButtons) {
