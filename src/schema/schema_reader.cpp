@@ -1,5 +1,7 @@
 #include "schema/schema_reader.hpp"
 
+#include <algorithm>
+
 #include "markup/markers.hpp"
 #include "schema/schema_document.hpp"
 #include "schema/windows1252.hpp"
@@ -71,8 +73,13 @@ class FieldReader {
     // True when no character is left after the last field read.
     bool atEnd() const { return m_next >= m_text.size(); }
 
-    // The next field; nothing when no character is left to read.
-    std::optional<Text> readField() {
+    // Where reading goes on; reading can be made to go on elsewhere.
+    std::size_t position() const { return m_next; }
+    void seek(std::size_t position) { m_next = std::min(position, m_text.size()); }
+
+    // The next field; nothing when no character is left to read. `start`
+    // receives where the field's first character stands in the text.
+    std::optional<Text> readField(std::size_t* start = nullptr) {
         if (atEnd()) {
             return std::nullopt;
         }
@@ -80,7 +87,11 @@ class FieldReader {
             ++m_next;
         }
         Text field;
-        if (m_next < m_text.size() && m_text[m_next] == kQuote) {
+        const bool quoted = m_next < m_text.size() && m_text[m_next] == kQuote;
+        if (start != nullptr) {
+            *start = m_next + (quoted ? 1 : 0);
+        }
+        if (quoted) {
             ++m_next;
             while (m_next < m_text.size() && m_text[m_next] != kQuote && !atLineEnd()) {
                 field.push_back(m_text[m_next++]);
@@ -123,10 +134,42 @@ class FieldReader {
     std::size_t m_next = 0;
 };
 
-// The header fields read and discarded, then the fields gathered into up to
-// four records, by position. Nothing when the file cannot be taken apart.
-std::optional<std::vector<Text>> collectRecords(TextView fileText) {
-    FieldReader reader(fileText);
+// Where the remainder of a record starting at `start` begins: after the
+// key's space (looked for among the first 20 characters; without one, after
+// the 20th) and the 21 characters of the stamp and the opening quote.
+std::size_t remainderStart(TextView text, std::size_t start) {
+    const TextView head = text.substr(start, kKeySpaceSearch);
+    const auto space = head.find(u' ');
+    return start + (space == TextView::npos ? kKeySpaceSearch : space) + 1 + kStampLength;
+}
+
+// Where the line after `from` that begins with "lang_" starts, or the end.
+std::size_t nextRecordLine(TextView text, std::size_t from) {
+    for (std::size_t k = from; k < text.size(); ++k) {
+        if ((text[k] == u'\r' || text[k] == u'\n') && text.substr(k + 1).starts_with(kRecordStart)) {
+            return k + 1;
+        }
+    }
+    return text.size();
+}
+
+// Whether the record starting at `start` and running to `end` is in the
+// writer's layout: its remainder opens with the font tag, which closes.
+bool inWriterLayout(TextView text, std::size_t start, std::size_t end) {
+    const std::size_t remainder = std::min(remainderStart(text, start), end);
+    const TextView rest = text.substr(remainder, end - remainder);
+    return rest.starts_with(markup::kFontOpen) && rest.find(markup::kTagEnd) != TextView::npos;
+}
+
+// The header fields read and discarded, then the records gathered, by
+// position. A field beginning with "lang_" (with case) starts the next record.
+// A record in the writer's layout is taken whole from the raw text, from its
+// key to its closing quote (the last one before the next line that begins
+// with "lang_"): commas, the spaces after them, quotes and real line breaks
+// all stay. In the older layout any other field is appended to the current
+// record with nothing between. Nothing when the file cannot be taken apart.
+std::optional<std::vector<Text>> collectRecords(TextView text, const ReaderOptions& options) {
+    FieldReader reader(text);
     for (std::size_t k = 0; k < kHeaderFields; ++k) {
         if (!reader.readField()) {
             return std::nullopt;
@@ -134,20 +177,31 @@ std::optional<std::vector<Text>> collectRecords(TextView fileText) {
     }
     std::vector<Text> records;
     while (!reader.atEnd()) {
-        std::optional<Text> field = reader.readField();
+        std::size_t start = 0;
+        std::optional<Text> field = reader.readField(&start);
         if (!field) {
             return std::nullopt;
         }
-        if (field->starts_with(kRecordStart)) {
-            if (records.size() == kLanguageCount) {
+        if (!field->starts_with(kRecordStart)) {
+            if (records.empty()) {
                 return std::nullopt;
             }
-            records.push_back(std::move(*field));
-        } else if (records.empty()) {
-            return std::nullopt;
-        } else {
             records.back().append(*field);
+            continue;
         }
+        if (records.size() == kLanguageCount) {
+            return std::nullopt;
+        }
+        const std::size_t end = nextRecordLine(text, remainderStart(text, start));
+        if (!options.acceptWriterLayout || !inWriterLayout(text, start, end)) {
+            records.push_back(std::move(*field));
+            continue;
+        }
+        // What follows the closing quote on its line belongs to no record.
+        TextView raw = text.substr(start, end - start);
+        raw = raw.substr(0, raw.rfind(kQuote) + 1);
+        records.emplace_back(raw);
+        reader.seek(end);
     }
     // A missing record reads as an empty one, which then fails on its own.
     records.resize(kLanguageCount);
@@ -163,7 +217,11 @@ RecordRead readWriterLayout(TextView remainder, Language language) {
     TextView rest = remainder.substr(markup::kFontOpen.size());
     const auto fontEnd = rest.find(markup::kTagEnd);
     const TextView fontName = rest.substr(0, fontEnd);
-    read.font = listedFont(fontName).value_or(FontChoice{-1, Text(fontName)});
+    // The name as saved: only an exact list name selects its entry.
+    const auto listed = std::find(kFontNames.begin(), kFontNames.end(), fontName);
+    read.font = FontChoice{
+        listed == kFontNames.end() ? -1 : static_cast<int>(listed - kFontNames.begin()),
+        Text(fontName)};
     rest = rest.substr(fontEnd + 1);
     if (rest.starts_with(markup::kSeparator)) {
         rest.remove_prefix(markup::kSeparator.size());
@@ -241,7 +299,7 @@ RecordRead readLanguageBlock(TextView record, Language language, const ReaderOpt
 
 SchemaRead readSchema(std::string_view bytes, const ReaderOptions& options) {
     SchemaRead result;
-    const auto records = collectRecords(decodeWindows1252(bytes));
+    const auto records = collectRecords(decodeWindows1252(bytes), options);
     if (!records) {
         return result;
     }

@@ -96,4 +96,27 @@ inline SchemaDocument workedExample() {
     return doc;
 }
 
+// Whether a schema file carries the document exactly. All it cannot carry:
+// a ">" in a title or the font (the tag ends there), a body that opens with
+// a title tag under an empty title (it reads as the title), and a line that
+// begins with "lang_" after a real line break (it starts a record).
+inline bool formatCarries(const SchemaDocument& doc) {
+    auto startsARecord = [](TextView text) {
+        for (std::size_t k = 0; k < text.size(); ++k) {
+            if ((text[k] == u'\r' || text[k] == u'\n') &&
+                text.substr(k + 1).starts_with(u"lang_")) {
+                return true;
+            }
+        }
+        return false;
+    };
+    bool carried = doc.font.find(u'>') == Text::npos && !startsARecord(doc.font);
+    for (const LanguageEntry& entry : doc.entries) {
+        carried = carried && entry.title.find(u'>') == Text::npos && !startsARecord(entry.title) &&
+                  !startsARecord(entry.body) &&
+                  !(entry.title.empty() && entry.body.starts_with(u"\\n<title="));
+    }
+    return carried;
+}
+
 }  // namespace lorekeep::testing
