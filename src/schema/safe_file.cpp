@@ -87,6 +87,52 @@ bool writeAll(int fd, std::string_view bytes) {
     return true;
 }
 
+bool readAll(int fd, std::string& bytes) {
+    char buffer[1 << 16];
+    for (;;) {
+        const ssize_t n = read(fd, buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return n == 0;
+        }
+        bytes.append(buffer, static_cast<std::size_t>(n));
+    }
+}
+
+// Writes `bytes` over the file's content and flushes it to disk.
+bool putContent(int fd, std::string_view bytes) {
+    return lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, bytes) &&
+           ftruncate(fd, static_cast<off_t>(bytes.size())) == 0 && fsync(fd) == 0;
+}
+
+// The file rewritten where it stands, so that its owner, mode and hard links
+// stay: the old bytes are read first, and written back when any write of the
+// new ones fails.
+bool rewriteInPlace(const std::string& path, std::string_view bytes, std::string* error) {
+    const int fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0) {
+        return fail(error, "cannot open " + path, errno);
+    }
+    std::string old;
+    if (!readAll(fd, old)) {
+        const int code = errno;
+        close(fd);
+        return fail(error, "cannot read " + path, code);
+    }
+    if (!putContent(fd, bytes)) {
+        const int code = errno;
+        putContent(fd, old);
+        close(fd);
+        return fail(error, "cannot rewrite " + path + "; its old content was put back", code);
+    }
+    if (close(fd) != 0) {
+        return fail(error, "cannot close " + path, errno);
+    }
+    return true;
+}
+
 }  // namespace
 
 bool replaceFileContents(const std::string& path, std::string_view bytes, std::string* error) {
@@ -127,6 +173,10 @@ bool replaceFileContents(const std::string& path, std::string_view bytes, std::s
     std::vector<char> name(temp.begin(), temp.end());
     name.push_back('\0');
     const int fd = mkostemp(name.data(), O_CLOEXEC);
+    if (fd < 0 && exists) {
+        // A folder the user may not write, holding a file the user may.
+        return rewriteInPlace(target, bytes, error);
+    }
     if (fd < 0) {
         return fail(error, "cannot create a file in " + directory, errno);
     }

@@ -15,7 +15,10 @@ namespace lorekeep {
 // A symbolic link stays a link: its final target is replaced. A hard link is
 // split by the rename: the other names keep the old content.
 // A read-only target (no write permission bit, or one that cannot be opened
-// for writing) is refused, as is anything that is not a regular file.
+// for writing) is refused, as is anything that is not a regular file. Where
+// no temporary file can be made in the folder but the file itself may be
+// written, it is rewritten in place instead (owner, mode and hard links
+// stay); if a write fails there, its old bytes are written back.
 bool replaceFileContents(const std::string& path, std::string_view bytes,
                          std::string* error = nullptr);
 

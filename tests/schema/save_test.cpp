@@ -2,11 +2,13 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 
 #include "schema/schema_file.hpp"
@@ -137,6 +139,56 @@ TEST_F(SaveTest, FileSizeLimitMidWriteKeepsTheOldFile) {
     EXPECT_FALSE(saved);
     EXPECT_EQ(readBytes(m_dir / "s.sch"), "precious");
     EXPECT_EQ(listDirectory(m_dir.path()), std::set<std::string>{"s.sch"});
+}
+
+// Runs `save` as a user who may not write the folder: as uid 65534 when we
+// are root, as ourselves otherwise. The folder is made read-only for that
+// user; the exit status says whether the save succeeded.
+int saveAsUnprivilegedUser(const std::string& folder, const std::function<bool()>& save) {
+    chmod(folder.c_str(), 0555);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
+            _exit(77);
+        }
+        _exit(save() ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    chmod(folder.c_str(), 0755);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// A folder the user may not write, holding a file the user may: the file is
+// rewritten in place, keeping its owner, mode and hard links; a write that
+// fails there puts the old bytes back.
+TEST_F(SaveTest, UnwritableFolderRewritesAWritableFileInPlace) {
+    const std::string file = m_dir / "The Tower.sch";
+    writeBytes(file, "precious");
+    ASSERT_EQ(chmod(file.c_str(), 0666), 0);
+    ASSERT_EQ(link(file.c_str(), (m_dir / "other.sch").c_str()), 0);
+    const int saved =
+        saveAsUnprivilegedUser(m_dir.path(), [&] { return saveTo(m_dir.path(), "The Tower"); });
+    if (saved == 77) {
+        GTEST_SKIP() << "cannot switch to an unprivileged user here";
+    }
+    EXPECT_EQ(saved, 0);
+    EXPECT_EQ(readBytes(m_dir / "other.sch"), m_expected);
+    struct stat st {};
+    ASSERT_EQ(stat(file.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 07777, 0666u);
+    EXPECT_EQ(st.st_uid, geteuid());
+    EXPECT_EQ(listDirectory(m_dir.path()), (std::set<std::string>{"The Tower.sch", "other.sch"}));
+
+    const int failed = saveAsUnprivilegedUser(m_dir.path(), [&] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit small{4096, 4096};
+        SchemaDocument huge = workedExample();
+        huge.entry(Language::French).body = Text(100 * 1024, u'x');
+        return setrlimit(RLIMIT_FSIZE, &small) == 0 && saveTo(m_dir.path(), "The Tower", huge);
+    });
+    EXPECT_EQ(failed, 1);
+    EXPECT_EQ(readBytes(file), m_expected);
 }
 
 }  // namespace
