@@ -1,19 +1,75 @@
 #include <QApplication>
-
+#include <QCommandLineParser>
+#include <QTimer>
 #include <csignal>
+#include <cstdio>
+#include <optional>
 
 #include "editor/texts.hpp"
 #include "ui/main_window.hpp"
 #include "ui/qt_text.hpp"
+
+namespace {
+
+// Reads the command line: nothing, or the one schema file to open. Returns
+// the exit status when the program ends here (help, version, a usage error).
+// Needs no display, so `lorekeep --help` answers anywhere.
+std::optional<int> readCommandLine(int argc, char* argv[], QString& file) {
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(lorekeep::ui::toQString(lorekeep::texts::kProgramTitle));
+    QCoreApplication::setApplicationVersion(QStringLiteral(LOREKEEP_VERSION));
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Writes one in-game text entry in English, French, German and Italian at once."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    // Qt's own options (-platform offscreen, -style Fusion, ...) are the
+    // toolkit's business: known here, and left for it.
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    for (const char* name : {"platform", "style", "stylesheet", "qwindowgeometry", "qwindowtitle",
+                             "platformtheme", "display"}) {
+        QCommandLineOption option(QString::fromLatin1(name), QString(), QStringLiteral("value"));
+        option.setFlags(QCommandLineOption::HiddenFromHelp);
+        parser.addOption(option);
+    }
+    parser.addPositionalArgument(QStringLiteral("file"),
+                                 QStringLiteral("A schema file (.sch) to open."),
+                                 QStringLiteral("[file]"));
+    const bool parsed = parser.parse(QCoreApplication::arguments());
+    if (parsed && parser.isSet(QStringLiteral("help"))) {
+        parser.showHelp(0);
+    }
+    if (parsed && parser.isSet(QStringLiteral("version"))) {
+        parser.showVersion();
+    }
+    if (!parsed || parser.positionalArguments().size() > 1) {
+        const QString error =
+            parsed ? QStringLiteral("Give at most one schema file.") : parser.errorText();
+        std::fprintf(stderr, "lorekeep: %s\n%s", qPrintable(error), qPrintable(parser.helpText()));
+        return 2;
+    }
+    file = parser.positionalArguments().value(0);
+    return std::nullopt;
+}
+
+}  // namespace
 
 int main(int argc, char* argv[]) {
     // A file-size limit would otherwise kill the editor in the middle of a
     // save; ignored, the write fails and the save reports it.
     std::signal(SIGXFSZ, SIG_IGN);
 
+    QString file;
+    if (const auto status = readCommandLine(argc, argv, file)) {
+        return *status;
+    }
     QApplication app(argc, argv);
     QApplication::setApplicationName(lorekeep::ui::toQString(lorekeep::texts::kProgramTitle));
     lorekeep::ui::MainWindow window;
     window.show();
+    if (!file.isEmpty()) {
+        // Once the window is up, so that a failed load's message stands over it.
+        QTimer::singleShot(0, &window, [&window, file] { window.openFile(file); });
+    }
     return QApplication::exec();
 }

@@ -6,6 +6,7 @@
 #include "editor/texts.hpp"
 #include "markup/markers.hpp"
 #include "markup/renderer.hpp"
+#include "schema/schema_document.hpp"
 #include "schema/schema_file.hpp"
 
 namespace lorekeep::editor {
@@ -145,6 +146,17 @@ void SchemaEditor::locationClicked() {
         m_controls.nameBox->setText(TextView(name).substr(0, name.size() - kExtensionLength));
     }
     dialog.clearChosenPath();
+}
+
+void SchemaEditor::openFile(TextView path) {
+    const std::size_t folderEnd = path.rfind(kPathSeparator) + 1;  // 0 without a folder
+    TextView name = path.substr(folderEnd);
+    if (name.ends_with(kSchemaExtension)) {
+        name.remove_suffix(kSchemaExtension.size());
+    }
+    m_controls.folderBox->setText(path.substr(0, folderEnd));
+    m_controls.nameBox->setText(name);
+    loadClicked();
 }
 
 bool SchemaEditor::folderAndNameGiven() {

@@ -80,6 +80,11 @@ class SchemaEditor {
     void saveClicked();
     void loadClicked();
 
+    // Opens a schema file by its full path, as a file manager hands it over:
+    // the folder box takes its folder (with the trailing separator), the name
+    // box its name less ".sch", and the load runs as the load button runs it.
+    void openFile(TextView path);
+
     // Writes schemaFolder/schemaName.sch from the controls; a failure shows
     // its one message.
     void save(TextView schemaName, TextView schemaFolder);

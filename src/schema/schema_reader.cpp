@@ -146,7 +146,8 @@ std::size_t remainderStart(TextView text, std::size_t start) {
 // Where the line after `from` that begins with "lang_" starts, or the end.
 std::size_t nextRecordLine(TextView text, std::size_t from) {
     for (std::size_t k = from; k < text.size(); ++k) {
-        if ((text[k] == u'\r' || text[k] == u'\n') && text.substr(k + 1).starts_with(kRecordStart)) {
+        if ((text[k] == u'\r' || text[k] == u'\n') &&
+            text.substr(k + 1).starts_with(kRecordStart)) {
             return k + 1;
         }
     }
@@ -219,9 +220,9 @@ RecordRead readWriterLayout(TextView remainder, Language language) {
     const TextView fontName = rest.substr(0, fontEnd);
     // The name as saved: only an exact list name selects its entry.
     const auto listed = std::find(kFontNames.begin(), kFontNames.end(), fontName);
-    read.font = FontChoice{
-        listed == kFontNames.end() ? -1 : static_cast<int>(listed - kFontNames.begin()),
-        Text(fontName)};
+    read.font =
+        FontChoice{listed == kFontNames.end() ? -1 : static_cast<int>(listed - kFontNames.begin()),
+                   Text(fontName)};
     rest = rest.substr(fontEnd + 1);
     if (rest.starts_with(markup::kSeparator)) {
         rest.remove_prefix(markup::kSeparator.size());

@@ -1,8 +1,11 @@
 #include "ui/main_window.hpp"
 
 #include <QAbstractScrollArea>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QHelpEvent>
 #include <QKeySequence>
+#include <QMimeData>
 #include <QShortcut>
 
 #include "editor/texts.hpp"
@@ -16,6 +19,9 @@ namespace lorekeep::ui {
 namespace {
 
 using layout::place;
+
+// Marks the controls that show their own tooltip or none at all.
+constexpr const char* kOwnTooltipOnly = "ownTooltipOnly";
 
 QStringList tabCaptions() {
     QStringList captions;
@@ -44,6 +50,11 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
     m_controls = controlInterfaces();
     m_editor = std::make_unique<editor::SchemaEditor>(m_controls);
     connectEvents();
+    setAcceptDrops(true);
+    installEventFilter(this);
+    for (QWidget* child : findChildren<QWidget*>()) {
+        child->installEventFilter(this);
+    }
     folderBox->setFocus(Qt::OtherFocusReason);
 }
 
@@ -114,15 +125,37 @@ void MainWindow::silenceInheritedTooltips() {
         if (control->objectName().isEmpty() || control == tabs) {
             continue;
         }
-        control->installEventFilter(this);
+        control->setProperty(kOwnTooltipOnly, true);
         if (auto* scrollArea = qobject_cast<QAbstractScrollArea*>(control)) {
-            scrollArea->viewport()->installEventFilter(this);
+            scrollArea->viewport()->setProperty(kOwnTooltipOnly, true);
         }
     }
 }
 
+bool MainWindow::filterFileDrop(QEvent* event) {
+    auto* drop = static_cast<QDropEvent*>(event);  // drag enter and move events are drops too
+    if (!drop->mimeData()->hasUrls()) {
+        return false;  // dragged text is the text boxes' business
+    }
+    const QList<QUrl> urls = drop->mimeData()->urls();
+    const QString path = urls.size() == 1 ? urls[0].toLocalFile() : QString();
+    if (!path.endsWith(toQString(kSchemaExtension)) || !QFileInfo(path).isFile()) {
+        drop->ignore();
+        return true;
+    }
+    drop->acceptProposedAction();
+    if (event->type() == QEvent::Drop) {
+        openFile(path);
+    }
+    return true;
+}
+
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::ToolTip) {
+    const QEvent::Type type = event->type();
+    if (type == QEvent::DragEnter || type == QEvent::DragMove || type == QEvent::Drop) {
+        return filterFileDrop(event) || QWidget::eventFilter(watched, event);
+    }
+    if (type == QEvent::ToolTip && watched->property(kOwnTooltipOnly).toBool()) {
         auto* widget = qobject_cast<QWidget*>(watched);
         auto* area = widget != nullptr ? qobject_cast<QAbstractScrollArea*>(widget->parentWidget())
                                        : nullptr;
@@ -236,6 +269,10 @@ void MainWindow::connectEvents() {
         auto* previous = new QShortcut(QKeySequence(keys), this);
         connect(previous, &QShortcut::activated, tabs, [this] { tabs->cycle(-1); });
     }
+}
+
+void MainWindow::openFile(const QString& path) {
+    m_editor->openFile(fromQString(QFileInfo(path).absoluteFilePath()));
 }
 
 void MainWindow::save(const QString& schemaName, const QString& schemaFolder) {

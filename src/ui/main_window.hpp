@@ -31,6 +31,10 @@ class MainWindow : public QWidget {
     // Returns the negation of `data`.
     static bool toggle(bool data) { return editor::SchemaEditor::toggle(data); }
 
+    // Opens a schema file by its path, as the load button would load it:
+    // from the command line, a file manager or a drop onto the window.
+    void openFile(const QString& path);
+
     // Writes the schema file schemaFolder/schemaName.sch from the window.
     void save(const QString& schemaName, const QString& schemaFolder);
 
@@ -64,6 +68,9 @@ class MainWindow : public QWidget {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    // Takes a drop of one schema file anywhere on the window and refuses any
+    // other drop of files, so that no text box ever types a file's address.
+    bool filterFileDrop(QEvent* event);
     void createControls();
     void silenceInheritedTooltips();
     void setFocusOrder();

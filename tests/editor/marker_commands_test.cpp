@@ -133,21 +133,5 @@ TEST(MarkerCommands, EnterIsSuppressedAndOtherCodesPass) {
     }
 }
 
-TEST(MarkerCommands, CopyPutsTheBodyOverTheOtherThree) {
-    FakeWindow w;
-    const Text body = uR"(\n<jc>\nTitle\n<dc=255,0,0>\nRed\n<br>\nText)";
-    for (int i = 0; i < 4; ++i) {
-        prepare(w, i, u"old", 0);
-        w.titles[i].value = T(std::to_string(i));
-    }
-    prepare(w, 1, body, 3);
-    w.editor.copyClicked(1);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(w.boxes[i].text + w.titles[i].value, body + T(std::to_string(i)));
-        EXPECT_EQ(w.boxes[4 + i].preview, markup::renderPreview(body)) << i;
-    }
-    EXPECT_EQ(w.boxes[1].caret, 3u);  // the source is not touched
-}
-
 }  // namespace
 }  // namespace lorekeep::editor

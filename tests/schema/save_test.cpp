@@ -50,15 +50,6 @@ class SaveTest : public ::testing::Test {
     const std::string m_expected = readBytes(dataPath("worked_example.sch"));
 };
 
-TEST_F(SaveTest, ReplacesTheWholeFileAndLeavesNothingElse) {
-    SchemaDocument big = workedExample();
-    big.entry(Language::German).body = Text(5000, u'x');
-    ASSERT_TRUE(saveTo(m_dir.path(), "The Tower", big));
-    ASSERT_TRUE(saveTo(m_dir.path() + "/", "The Tower"));
-    EXPECT_EQ(readBytes(m_dir / "The Tower.sch"), m_expected);
-    EXPECT_EQ(listDirectory(m_dir.path()), std::set<std::string>{"The Tower.sch"});
-}
-
 TEST_F(SaveTest, ExistingFileKeepsItsModeAndALinkStaysALink) {
     std::filesystem::create_directory(m_dir / "real");
     writeBytes(m_dir / "real/target.sch", "old");

@@ -1,6 +1,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "editor/texts.hpp"
 #include "markup/renderer.hpp"
 #include "support/fakes.hpp"
 #include "ui/main_window.hpp"
@@ -26,6 +27,7 @@ class EditingTest : public QObject {
   private slots:
     void init() {
         m_window = std::make_unique<MainWindow>();
+        m_messages.shown.clear();
         m_window->setDialogs(&m_messages, &m_dialog);
         m_window->show();
         m_window->activateWindow();
@@ -84,6 +86,42 @@ class EditingTest : public QObject {
             QCOMPARE(text(editor), expected);
             QCOMPARE(text(m_window->richTextBox(4)), rendered(editor));
         }
+    }
+
+    // A schema file handed over by path (the command line, a file manager) or
+    // dropped anywhere on the window loads as the load button loads it; a
+    // drop of anything else is refused, and no text box types a file's address.
+    void openingAndDroppingFiles() {
+        MainWindow& w = *m_window;
+        QTemporaryDir dir;
+        w.richTextBox(0)->replaceText(u"Hello, world");
+        w.save("tower", dir.path());
+        w.richTextBox(0)->replaceText(u"typed");
+        QFile(dir.filePath("notes.txt")).open(QIODevice::WriteOnly);
+        auto drop = [&](QWidget* target, const QStringList& names) {
+            QMimeData mime;
+            QList<QUrl> urls;
+            for (const QString& name : names) {
+                urls << QUrl::fromLocalFile(dir.filePath(name));
+            }
+            mime.setUrls(urls);
+            QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, {});
+            QApplication::sendEvent(target, &enter);
+            QDropEvent event(QPointF(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, {});
+            QApplication::sendEvent(target, &event);
+            return enter.isAccepted() && event.isAccepted();
+        };
+        QVERIFY(!drop(w.richTextBox(0)->viewport(), {"notes.txt"}));
+        QVERIFY(!drop(w.nameBox, {"tower.sch", "tower.sch"}));
+        QCOMPARE(text(w.richTextBox(0)), "typed");
+        QVERIFY(w.nameBox->text().isEmpty());
+        QVERIFY(drop(w.richTextBox(0)->viewport(), {"tower.sch"}));
+        QCOMPARE(text(w.richTextBox(0)), "Hello, world");
+        QCOMPARE(w.folderBox->text() + w.nameBox->text(), dir.path() + "/tower");
+        w.openFile(dir.filePath("missing.sch"));
+        QCOMPARE(m_messages.shown.size(), std::size_t{1});
+        QCOMPARE(toQString(m_messages.shown[0].text), toQString(texts::kLoadFailed));
+        QCOMPARE(w.nameBox->text(), "missing");
     }
 
     // Copy, then a save and a load through the buttons; copy and load are each
