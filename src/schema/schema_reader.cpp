@@ -143,7 +143,7 @@ std::size_t remainderStart(TextView text, std::size_t start) {
     return start + (space == TextView::npos ? kKeySpaceSearch : space) + 1 + kStampLength;
 }
 
-// Where the line after `from` that begins with "lang_" starts, or the end.
+// Where the first line after `from` that begins with "lang_" starts, or the end.
 std::size_t nextRecordLine(TextView text, std::size_t from) {
     for (std::size_t k = from; k < text.size(); ++k) {
         if ((text[k] == u'\r' || text[k] == u'\n') &&
@@ -193,7 +193,7 @@ std::optional<std::vector<Text>> collectRecords(TextView text, const ReaderOptio
         if (records.size() == kLanguageCount) {
             return std::nullopt;
         }
-        const std::size_t end = nextRecordLine(text, remainderStart(text, start));
+        const std::size_t end = nextRecordLine(text, start);
         if (!options.acceptWriterLayout || !inWriterLayout(text, start, end)) {
             records.push_back(std::move(*field));
             continue;
