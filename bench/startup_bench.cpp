@@ -14,7 +14,7 @@ extern char** environ;
 
 namespace {
 
-void RunOnce(const char* program, benchmark::State& state) {
+void runOnce(const char* program, benchmark::State& state) {
     std::vector<std::string> env{"QT_QPA_PLATFORM=offscreen"};
     for (char** e = environ; *e != nullptr; ++e) {
         if (std::string(*e).rfind("QT_QPA_PLATFORM=", 0) != 0) {
@@ -41,13 +41,13 @@ void RunOnce(const char* program, benchmark::State& state) {
 
 void BM_StartupMinimalWindow(benchmark::State& state) {
     for (auto _ : state) {
-        RunOnce(LOREKEEP_STARTUP_MINIMAL, state);
+        runOnce(LOREKEEP_STARTUP_MINIMAL, state);
     }
 }
 
 void BM_StartupEditor(benchmark::State& state) {
     for (auto _ : state) {
-        RunOnce(LOREKEEP_STARTUP_EDITOR, state);
+        runOnce(LOREKEEP_STARTUP_EDITOR, state);
     }
 }
 

@@ -193,8 +193,8 @@ void SchemaEditor::save(TextView schemaName, TextView schemaFolder) {
         }
         // One reading of the clock: all four records carry the same stamp.
         saved = static_cast<bool>(saveSchema(document, m_controls.clock->now()));
-    } catch (const std::bad_alloc&) {
-        saved = false;  // a body too big to gather: the same one message
+    } catch (...) {
+        saved = false;  // a body too big to gather, or a control that failed: the one message
     }
     if (!saved) {
         m_controls.messages->showMessage(texts::kSaveFailed, texts::kProgramTitle);
@@ -202,8 +202,20 @@ void SchemaEditor::save(TextView schemaName, TextView schemaFolder) {
 }
 
 void SchemaEditor::load(TextView schemaName, TextView schemaFolder) {
+    try {
+        if (!applyLoad(schemaName, schemaFolder)) {
+            m_controls.messages->showMessage(texts::kLoadFailed, texts::kProgramTitle);
+        }
+    } catch (...) {
+        // A control that failed to take what was read: the same one message.
+        m_controls.messages->showMessage(texts::kLoadFailed, texts::kProgramTitle);
+    }
+}
+
+bool SchemaEditor::applyLoad(TextView schemaName, TextView schemaFolder) {
     // Nothing in the window changes until the whole file has been read.
-    const LoadResult loaded = loadSchema(schemaFolder, schemaName, readerOptions);
+    const LoadResult loaded =
+        loadSchema(schemaFolder, schemaName, ReaderOptions{true, kMaxBodyLength});
     for (std::size_t i = 0; i < loaded.read.records.size(); ++i) {
         const RecordRead& record = loaded.read.records[i];
         if (record.font) {
@@ -222,9 +234,7 @@ void SchemaEditor::load(TextView schemaName, TextView schemaFolder) {
             m_controls.richTextBoxes[i]->replaceText(*record.body);
         }
     }
-    if (!loaded.file || !loaded.read.complete()) {
-        m_controls.messages->showMessage(texts::kLoadFailed, texts::kProgramTitle);
-    }
+    return loaded.ok;
 }
 
 }  // namespace lorekeep::editor

@@ -94,10 +94,8 @@ class SchemaEditor {
     // already loaded.
     void load(TextView schemaName, TextView schemaFolder);
 
+    // The marker buttons' state of a language, for tests and the fuzzer.
     const MarkerState& markerState(int language) const { return m_state[language]; }
-
-    // How load reads records (tests compare the layouts both ways).
-    ReaderOptions readerOptions{true, kMaxBodyLength};
 
   private:
     // One justification button: flips its own flag and, when that switches it
@@ -105,6 +103,8 @@ class SchemaEditor {
     void justify(int language, bool MarkerState::*own, bool MarkerState::*firstOther,
                  bool MarkerState::*secondOther, TextView marker);
     bool folderAndNameGiven();
+    // Reads the file and applies it language by language; false on failure.
+    bool applyLoad(TextView schemaName, TextView schemaFolder);
 
     WindowControls m_controls;
     std::array<MarkerState, kLanguageCount> m_state{};

@@ -55,12 +55,23 @@ LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& optio
     LoadResult result;
     try {
         std::string bytes;
-        result.file = readFileBytes(toUtf8(schemaPath(folder, name)), bytes);
-        if (result.file) {
-            result.read = readSchema(bytes, options);
+        const FileResult file = readFileBytes(toUtf8(schemaPath(folder, name)), bytes);
+        if (!file) {
+            result.reason = file.reason;
+            return result;
         }
+        result.read = readSchema(bytes, options);
     } catch (const std::bad_alloc&) {
-        result = {failure("out of memory"), {}};
+        result = {false, "out of memory", {}};
+        return result;
+    }
+    result.ok = result.read.complete();
+    if (result.read.records.empty()) {
+        result.reason = "the file cannot be taken apart into four records";
+    } else if (!result.ok) {
+        result.reason = "the record of " +
+                        toUtf8(kLanguages[result.read.records.size() - 1].tabCaption) +
+                        " cannot be read";
     }
     return result;
 }

@@ -24,8 +24,9 @@ struct FileResult {
 FileResult saveSchema(const SchemaDocument& document, const LocalDateTime& stamp);
 
 struct LoadResult {
-    FileResult file;  // whether the file could be read at all
-    SchemaRead read;  // what it holds, when it could
+    bool ok = false;     // the file was read and every language taken apart
+    std::string reason;  // why not, for diagnostics
+    SchemaRead read;     // what it holds, as far as it could be read
 };
 
 // Reads folder/name.sch and takes it apart; changes nothing anywhere.

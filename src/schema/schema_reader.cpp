@@ -19,8 +19,9 @@ constexpr std::size_t kKeySpaceSearch = 20;
 constexpr std::size_t kStampLength = 21;
 constexpr std::size_t kFontCandidateStart = 7;  // 1-based, after "<font="
 
+// The names compared ignoring case (the font list, "title") are ASCII.
 char16_t foldCase(char16_t c) {
-    if ((c >= u'A' && c <= u'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7)) {
+    if (c >= u'A' && c <= u'Z') {
         return static_cast<char16_t>(c + 0x20);
     }
     return c;

@@ -28,9 +28,6 @@ class MainWindow : public QWidget {
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    // Returns the negation of `data`.
-    static bool toggle(bool data) { return editor::SchemaEditor::toggle(data); }
-
     // Opens a schema file by its path, as the load button would load it:
     // from the command line, a file manager or a drop onto the window.
     void openFile(const QString& path);

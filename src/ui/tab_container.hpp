@@ -17,7 +17,6 @@ class TwoRowTabStrip : public QWidget {
     int currentIndex() const { return m_current; }
     void setCurrentIndex(int index);
     int count() const { return static_cast<int>(m_captions.size()); }
-    QString tabText(int index) const { return m_captions.value(index); }
     QRect tabRect(int index) const;
     int tabAt(const QPoint& point) const;
 
@@ -44,7 +43,6 @@ class TabContainer : public QWidget {
     TabContainer(QStringList captions, int tabsPerRow, int rowHeight, QWidget* parent = nullptr);
 
     TwoRowTabStrip* strip() const { return m_strip; }
-    QWidget* page(int index) const { return m_stack->widget(index); }
     int currentIndex() const { return m_strip->currentIndex(); }
     void setCurrentIndex(int index) { m_strip->setCurrentIndex(index); }
 

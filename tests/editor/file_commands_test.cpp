@@ -12,8 +12,8 @@ namespace lorekeep::editor {
 namespace {
 
 using testing::FakeWindow;
-using testing::T;
 using testing::TempDir;
+using testing::utf16;
 
 // The one message a command shows, if any.
 Text shown(const FakeWindow& w) {
@@ -37,8 +37,8 @@ TEST(FileCommands, FolderAndNameMustBothBeGiven) {
             FakeWindow w;
             fill(w);
             const SchemaDocument before = w.document();
-            w.folder.value = T(folder);
-            w.name.value = T(name);
+            w.folder.value = utf16(folder);
+            w.name.value = utf16(name);
             save ? w.editor.saveClicked() : w.editor.loadClicked();
             // Spaces are something: the check passes, and the folder is not found.
             const bool given = *folder != '\0' && *name != '\0';
@@ -62,12 +62,12 @@ TEST(FileCommands, LocationDialogFillsFolderAndName) {
     for (const auto& [path, folder, name] : cases) {
         FakeWindow w;
         w.name.value = u"kept";
-        w.dialog.nextPath = T(path);
+        w.dialog.nextPath = utf16(path);
         w.editor.locationClicked();
         // Cancelling afterwards changes nothing.
         w.dialog.nextPath.clear();
         w.editor.locationClicked();
-        EXPECT_EQ(w.folder.value + u"|" + w.name.value, T(folder) + u"|" + T(name));
+        EXPECT_EQ(w.folder.value + u"|" + w.name.value, utf16(folder) + u"|" + utf16(name));
         EXPECT_EQ(w.dialog.suffix + u"|" + w.dialog.title + u"|" + w.dialog.filter,
                   u"sch|Choose a schema location and name|Schemas (*.sch)|*.sch");
         EXPECT_EQ(w.dialog.shown, 2);
@@ -79,18 +79,21 @@ TEST(FileCommands, LoadAppliesLanguageByLanguageUntilAFailure) {
     testing::writeBytes(dir / "s.sch",
                         "V\r\nT\r\nN\r\nlang_english 2005-03-14 14:05:09 "
                         "\"<font=papyrus20><title=One>first\\n<br>\\nline\"\r\n"
-                        "lang_french 2005-03-14 14:05:09 \"second\"\r\n");
+                        "lang_french 2005-03-14 14:05:09 \"second\"\r\n"
+                        "lang_german 2005-03-14 14:05:09 \"<font=smallfont10><title=Three");
     FakeWindow w;
     fill(w);
-    w.editor.load(u"s", T(dir.path()));
+    w.editor.load(u"s", utf16(dir.path()));
     EXPECT_EQ(shown(w), texts::kLoadFailed);
     SchemaDocument expected = w.document();
     expected.entries[0] = {u"One", u"first\\n<br>\\nline"};
     expected.entries[1] = {u"title French", u"second"};
-    expected.entries[2] = {u"title German", u"before German"};
+    // German sets its font and title, then has no body left: the load ends there.
+    expected.entries[2] = {u"Three", u"before German"};
     expected.entries[3] = {u"title Italian", u"before Italian"};
-    expected.font = u"Papyrus20";
+    expected.font = u"SmallFont10";
     EXPECT_EQ(w.document(), expected);
+    EXPECT_EQ(w.font.selected, 2);
     EXPECT_EQ(w.boxes[4].preview->text, u"first\rline");  // refreshed with its editor
 }
 
@@ -108,7 +111,7 @@ TEST(FileCommands, FailedLoadsChangeNothing) {
         FakeWindow w;
         fill(w);
         const SchemaDocument before = w.document();
-        w.editor.load(T(name), T(dir.path()));
+        w.editor.load(utf16(name), utf16(dir.path()));
         EXPECT_EQ(shown(w), texts::kLoadFailed) << name;
         EXPECT_EQ(w.document(), before) << name;
         EXPECT_EQ(w.font.selected, 3) << name;
@@ -160,7 +163,7 @@ TEST(FileCommands, SavedDocumentsLoadBackExactly) {
         }
         ++carried;
         for (FakeWindow* window : {&w, &loaded}) {
-            window->folder.value = T(dir.path());
+            window->folder.value = utf16(dir.path());
             window->name.value = u"round";
         }
         w.editor.saveClicked();
@@ -168,6 +171,7 @@ TEST(FileCommands, SavedDocumentsLoadBackExactly) {
         ASSERT_EQ(shown(w) + shown(loaded), u"") << "case " << n;
         ASSERT_EQ(w.clock.readings, 1) << "one stamp for all four records";
         ASSERT_EQ(loaded.document(), w.document()) << "case " << n;
+        ASSERT_EQ(loaded.font.selected, w.font.selected) << "case " << n;
         for (int i = 0; i < kLanguageCount; ++i) {
             ASSERT_EQ(loaded.boxes[4 + i].preview, markup::renderPreview(w.boxes[i].text));
         }

@@ -44,7 +44,7 @@ TEST(WholeNumber, AcceptsSignsAndSpacesAroundDigitsOnly) {
     EXPECT_EQ(wholeNumber(u"-1"), -1);
     for (const char* refused :
          {"", " ", "abc", "1.5", "1e2", "0x10", "- 5", "99999999999999999999"}) {
-        EXPECT_EQ(wholeNumber(testing::T(refused)), std::nullopt) << refused;
+        EXPECT_EQ(wholeNumber(testing::utf16(refused)), std::nullopt) << refused;
     }
 }
 

@@ -20,8 +20,8 @@ namespace {
 using testing::dataPath;
 using testing::listDirectory;
 using testing::readBytes;
-using testing::T;
 using testing::TempDir;
+using testing::utf16;
 using testing::workedExample;
 using testing::writeBytes;
 
@@ -41,8 +41,8 @@ class SaveTest : public ::testing::Test {
     // Saves a document (the worked example unless given) as folder/name.sch.
     static bool saveTo(const std::string& folder, const std::string& name,
                        SchemaDocument doc = workedExample()) {
-        doc.folder = T(folder);
-        doc.name = T(name);
+        doc.folder = utf16(folder);
+        doc.name = utf16(name);
         return static_cast<bool>(saveSchema(doc, testing::kWorkedStamp));
     }
 

@@ -16,7 +16,7 @@
 namespace lorekeep::testing {
 
 // Test literals are written in UTF-8; the core works in UTF-16.
-inline Text T(std::string_view utf8) {
+inline Text utf16(std::string_view utf8) {
     return fromUtf8(utf8);
 }
 

@@ -41,6 +41,9 @@ class MainWindowTest : public QObject {
         QCOMPARE(w.fontBox->currentText(), "Font");
         QCOMPARE(w.tabs->currentIndex(), 0);
         QCOMPARE(QApplication::focusWidget(), w.folderBox);
+        // Fixed in size, with a close button only.
+        QCOMPARE(w.minimumSize(), w.maximumSize());
+        QVERIFY(!(w.windowFlags() & (Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint)));
     }
 
     // Resting the mouse on a control shows its own tooltip or none at all,
