@@ -9,22 +9,13 @@
 namespace lorekeep::markup {
 namespace {
 
-// "<CR>" and "<LF>" for the line breaks a text holds, as the case file writes them.
-std::string visible(TextView text) {
-    std::string out;
-    for (char c : toUtf8(text)) {
-        out += c == '\r' ? "<CR>" : c == '\n' ? "<LF>" : std::string(1, c);
-    }
-    return out;
-}
-
 // A preview on one line: its text, "| caret" with the selection's start and
 // length, "| colours" with each run's start and colour ("-" for the
 // default), "| paragraphs" with each paragraph's alignment (L, C, R).
 std::string describe(const RenderedPreview& preview) {
     std::ostringstream out;
-    out << visible(preview.text) << " | caret " << preview.caret << "+" << preview.selectionLength
-        << " | colours";
+    out << testing::visible(preview.text) << " | caret " << preview.caret << "+"
+        << preview.selectionLength << " | colours";
     for (const ColourRun& run : preview.colours) {
         out << " " << run.start << ":";
         if (run.colour) {
@@ -50,8 +41,9 @@ TEST(Renderer, CasesRenderAsExpected) {
     int checked = 0;
     for (std::string line; std::getline(cases, line);) {
         if (line.starts_with("=> ")) {
-            EXPECT_EQ(describe(renderPreview(body)), line.substr(3)) << visible(body);
-            EXPECT_EQ(describe(testing::referenceRender(body)), line.substr(3)) << visible(body);
+            EXPECT_EQ(describe(renderPreview(body)), line.substr(3)) << testing::visible(body);
+            EXPECT_EQ(describe(testing::referenceRender(body)), line.substr(3))
+                << testing::visible(body);
             ++checked;
         } else if (!line.starts_with("#")) {
             for (auto at = line.find("<LF>"); at != std::string::npos; at = line.find("<LF>")) {

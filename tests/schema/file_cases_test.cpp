@@ -59,13 +59,6 @@ INSTANTIATE_TEST_SUITE_P(Files, WriterCase,
 // field a record sets: a font that is a list entry as "font", any other as
 // "font-text", then "title" and "body".
 std::string describe(const SchemaRead& read) {
-    auto visible = [](TextView text) {  // real line breaks as "<CR>" and "<LF>"
-        std::string out;
-        for (char c : toUtf8(text)) {
-            out += c == '\r' ? "<CR>" : c == '\n' ? "<LF>" : std::string(1, c);
-        }
-        return out;
-    };
     const char* names[] = {"english", "french", "german", "italian"};
     std::ostringstream out;
     out << "records " << read.records.size() << "\n";
@@ -73,11 +66,12 @@ std::string describe(const SchemaRead& read) {
         const RecordRead& r = read.records[i];
         if (r.font) {
             const bool listed = r.font->entry >= 0 && kFontNames[r.font->entry] == r.font->text;
-            out << names[i] << (listed ? " font " : " font-text ") << visible(r.font->text) << "\n";
+            out << names[i] << (listed ? " font " : " font-text ") << testing::visible(r.font->text)
+                << "\n";
         }
         for (const auto& [field, value] : {std::pair{" title ", r.title}, {" body ", r.body}}) {
             if (value) {
-                out << names[i] << field << visible(*value) << "\n";
+                out << names[i] << field << testing::visible(*value) << "\n";
             }
         }
     }

@@ -20,6 +20,16 @@ inline Text utf16(std::string_view utf8) {
     return fromUtf8(utf8);
 }
 
+// UTF-8 with the real line breaks a text holds written as "<CR>" and "<LF>",
+// as the case files write them.
+inline std::string visible(TextView text) {
+    std::string out;
+    for (char c : toUtf8(text)) {
+        out += c == '\r' ? "<CR>" : c == '\n' ? "<LF>" : std::string(1, c);
+    }
+    return out;
+}
+
 inline std::string readBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
