@@ -259,13 +259,8 @@ RecordRead readWriterLayout(TextView remainder, Language language) {
 // then its body, less its closing character.
 RecordRead readLanguageBlock(TextView record, Language language, const ReaderOptions& options) {
     // The key's trailing space, then the stamp and opening quote, unread.
-    const TextView head = record.substr(0, std::min(record.size(), kKeySpaceSearch));
-    const auto space = head.find(u' ');
-    const std::size_t s = space == TextView::npos ? kKeySpaceSearch + 1 : space + 1;
-    TextView remainder = after(record, s + kStampLength);
-
-    if (options.acceptWriterLayout && remainder.starts_with(markup::kFontOpen) &&
-        remainder.find(markup::kTagEnd) != TextView::npos) {
+    TextView remainder = after(record, remainderStart(record, 0));
+    if (options.acceptWriterLayout && inWriterLayout(record, 0, record.size())) {
         return readWriterLayout(remainder, language);
     }
 
