@@ -1,11 +1,16 @@
 #include "schema/safe_file.hpp"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <deque>
+#include <random>
 #include <vector>
 
 namespace lorekeep {
@@ -14,6 +19,8 @@ namespace {
 
 constexpr int kMaxLinkHops = 40;
 constexpr std::size_t kMaxTempStem = 64;
+constexpr std::string_view kTempInfix = ".tmp-";
+constexpr std::size_t kTempSuffixLength = 6;  // the XXXXXX of mkostemp
 
 bool fail(std::string* error, const std::string& what, int code) {
     if (error != nullptr) {
@@ -24,42 +31,104 @@ bool fail(std::string* error, const std::string& what, int code) {
 
 std::string directoryOf(const std::string& path) {
     const auto slash = path.rfind('/');
-    if (slash == std::string::npos) {
-        return ".";
-    }
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
 std::string baseNameOf(const std::string& path) {
-    const auto slash = path.rfind('/');
-    return slash == std::string::npos ? path : path.substr(slash + 1);
+    return path.substr(path.rfind('/') + 1);
 }
 
-// Follows symbolic links to the file that really gets written. A dangling
-// link resolves to the path it names, which is then created.
-bool resolveLinks(std::string path, std::string& resolved, std::string* error) {
-    for (int hop = 0; hop < kMaxLinkHops; ++hop) {
+std::deque<std::string> componentsOf(std::string_view path) {
+    std::deque<std::string> parts;
+    std::size_t start = 0;
+    while (start <= path.size()) {
+        const std::size_t slash = std::min(path.find('/', start), path.size());
+        parts.emplace_back(path.substr(start, slash - start));
+        start = slash + 1;
+    }
+    return parts;
+}
+
+// The kernel's rule for links in shared folders (fs.protected_symlinks): in a
+// sticky, world-writable folder a link is followed only by its owner or when
+// the folder's owner owns it. Applied whatever the machine's setting, so that
+// another user's link in /tmp never redirects a save.
+bool mayFollow(const std::string& folder, const struct stat& link) {
+    struct stat dir {};
+    if (stat(folder.c_str(), &dir) != 0) {
+        return false;
+    }
+    const bool shared = (dir.st_mode & S_ISVTX) != 0 && (dir.st_mode & S_IWOTH) != 0;
+    return !shared || link.st_uid == geteuid() || link.st_uid == dir.st_uid;
+}
+
+// Walks the path one name at a time, as the kernel would, and gives the file
+// that really gets written: every link on the way resolved (each checked by
+// the rule above), "." and ".." taken away. A missing last name is a new file;
+// a dangling link that may be followed names the file it will create.
+bool resolvePath(const std::string& path, std::string& resolved, std::string* error) {
+    std::string current;  // resolved so far, real folders only; "" is the root
+    if (path.front() != '/') {
+        std::vector<char> cwd(4096);
+        if (getcwd(cwd.data(), cwd.size()) == nullptr) {
+            return fail(error, "cannot find the working folder", errno);
+        }
+        current = cwd.data() == std::string("/") ? "" : cwd.data();
+    }
+    std::deque<std::string> pending = componentsOf(path);
+    int hops = 0;
+    while (!pending.empty()) {
+        const std::string name = std::move(pending.front());
+        pending.pop_front();
+        if (name.empty() || name == ".") {
+            continue;
+        }
+        if (name == "..") {
+            const auto slash = current.rfind('/');
+            current.erase(slash == std::string::npos ? 0 : slash);
+            continue;
+        }
+        const std::string next = current + "/" + name;
+        const bool last = std::all_of(pending.begin(), pending.end(),
+                                      [](const std::string& p) { return p.empty() || p == "."; });
         struct stat st {};
-        if (lstat(path.c_str(), &st) != 0) {
-            if (errno == ENOENT) {
-                resolved = path;
+        if (lstat(next.c_str(), &st) != 0) {
+            if (errno == ENOENT && last && pending.empty()) {
+                resolved = next;
                 return true;
             }
-            return fail(error, "cannot inspect " + path, errno);
+            return fail(error, "cannot find " + next, errno);
         }
         if (!S_ISLNK(st.st_mode)) {
-            resolved = path;
-            return true;
+            if (!last && !S_ISDIR(st.st_mode)) {
+                return fail(error, next + " is not a folder", ENOTDIR);
+            }
+            current = next;
+            continue;
+        }
+        if (++hops > kMaxLinkHops) {
+            return fail(error, "too many symbolic links", ELOOP);
+        }
+        if (!mayFollow(current.empty() ? "/" : current, st)) {
+            return fail(error, next + " is another user's link in a shared folder", EACCES);
         }
         std::vector<char> buffer(static_cast<std::size_t>(st.st_size > 0 ? st.st_size : 255) + 1);
-        const ssize_t n = readlink(path.c_str(), buffer.data(), buffer.size());
+        const ssize_t n = readlink(next.c_str(), buffer.data(), buffer.size());
         if (n < 0) {
-            return fail(error, "cannot read link " + path, errno);
+            return fail(error, "cannot read link " + next, errno);
         }
-        std::string link(buffer.data(), static_cast<std::size_t>(n));
-        path = (!link.empty() && link.front() == '/') ? link : directoryOf(path) + "/" + link;
+        const std::string_view target(buffer.data(), static_cast<std::size_t>(n));
+        if (target.empty()) {
+            return fail(error, "empty link " + next, ENOENT);
+        }
+        if (target.front() == '/') {
+            current.clear();
+        }
+        std::deque<std::string> linked = componentsOf(target);
+        pending.insert(pending.begin(), linked.begin(), linked.end());
     }
-    return fail(error, "too many symbolic links", ELOOP);
+    resolved = current.empty() ? "/" : current;
+    return true;
 }
 
 mode_t defaultFileMode() {
@@ -111,12 +180,13 @@ bool putContent(int fd, std::string_view bytes) {
 // stay: the old bytes are read first, and written back when any write of the
 // new ones fails.
 bool rewriteInPlace(const std::string& path, std::string_view bytes, std::string* error) {
-    const int fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    const int fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC);
     if (fd < 0) {
         return fail(error, "cannot open " + path, errno);
     }
     std::string old;
-    if (!readAll(fd, old)) {
+    struct stat st {};
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || !readAll(fd, old)) {
         const int code = errno;
         close(fd);
         return fail(error, "cannot read " + path, code);
@@ -133,6 +203,76 @@ bool rewriteInPlace(const std::string& path, std::string_view bytes, std::string
     return true;
 }
 
+bool isTempName(std::string_view name, std::string_view prefix) {
+    return name.size() == prefix.size() + kTempSuffixLength && name.starts_with(prefix);
+}
+
+// Removes what saves of this file that were killed half-way left behind. A
+// save in progress holds a lock on its temporary file, so only abandoned
+// ones go.
+void removeStaleTemps(const std::string& directory, const std::string& prefix) {
+    DIR* dir = opendir(directory.c_str());
+    if (dir == nullptr) {
+        return;
+    }
+    const int dirFd = dirfd(dir);
+    while (const dirent* entry = readdir(dir)) {
+        if (!isTempName(entry->d_name, prefix)) {
+            continue;
+        }
+        const int fd =
+            openat(dirFd, entry->d_name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+        if (fd < 0) {
+            continue;
+        }
+        struct stat st {};
+        if (fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && flock(fd, LOCK_EX | LOCK_NB) == 0) {
+            unlinkat(dirFd, entry->d_name, 0);
+        }
+        close(fd);
+    }
+    closedir(dir);
+}
+
+std::string randomSuffix() {
+    static constexpr char kLetters[] =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+    static std::mt19937 generator{std::random_device{}()};
+    std::uniform_int_distribution<std::size_t> pick(0, sizeof kLetters - 2);
+    std::string suffix;
+    for (std::size_t k = 0; k < kTempSuffixLength; ++k) {
+        suffix.push_back(kLetters[pick(generator)]);
+    }
+    return suffix;
+}
+
+// Gives the unnamed file `fd` the name `name`; false (with errno) if it
+// cannot, for example because the name is taken.
+bool linkUnnamed(int fd, const std::string& name) {
+    // Only a privileged process may link by descriptor; everyone else goes
+    // through /proc.
+    if (linkat(fd, "", AT_FDCWD, name.c_str(), AT_EMPTY_PATH) == 0) {
+        return true;
+    }
+    const std::string self = "/proc/self/fd/" + std::to_string(fd);
+    return linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+}
+
+// The folder flushed, so that the new name itself survives a crash. A folder
+// the user may not read cannot be opened to flush, and a file system that
+// cannot sync folders says so with EINVAL; neither is a failure of the save.
+bool flushFolder(const std::string& directory, std::string* error) {
+    const int dir = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (dir < 0) {
+        return errno == EACCES || fail(error, "cannot open " + directory, errno);
+    }
+    const bool flushed = fsync(dir) == 0 || errno == EINVAL;
+    const int code = errno;
+    close(dir);
+    return flushed || fail(error, "the file is written but " + directory + " cannot be flushed",
+                           code);
+}
+
 }  // namespace
 
 bool replaceFileContents(const std::string& path, std::string_view bytes, std::string* error) {
@@ -140,14 +280,14 @@ bool replaceFileContents(const std::string& path, std::string_view bytes, std::s
         return fail(error, "invalid file name", EINVAL);
     }
     std::string target;
-    if (!resolveLinks(path, target, error)) {
+    if (!resolvePath(path, target, error)) {
         return false;
     }
 
     mode_t mode = defaultFileMode();
     bool exists = false;
     struct stat old {};
-    if (stat(target.c_str(), &old) == 0) {
+    if (lstat(target.c_str(), &old) == 0) {
         exists = true;
         if (!S_ISREG(old.st_mode)) {
             return fail(error, target + " is not a regular file", EISDIR);
@@ -157,7 +297,8 @@ bool replaceFileContents(const std::string& path, std::string_view bytes, std::s
         if ((old.st_mode & 0222) == 0) {
             return fail(error, target + " is read-only", EACCES);
         }
-        const int probe = open(target.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
+        const int probe =
+            open(target.c_str(), O_WRONLY | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
         if (probe < 0) {
             return fail(error, "cannot write " + target, errno);
         }
@@ -168,31 +309,42 @@ bool replaceFileContents(const std::string& path, std::string_view bytes, std::s
     }
 
     const std::string directory = directoryOf(target);
-    std::string stem = baseNameOf(target).substr(0, kMaxTempStem);
-    std::string temp = directory + "/." + stem + ".tmp-XXXXXX";
-    std::vector<char> name(temp.begin(), temp.end());
-    name.push_back('\0');
-    const int fd = mkostemp(name.data(), O_CLOEXEC);
-    if (fd < 0 && exists) {
-        // A folder the user may not write, holding a file the user may.
-        return rewriteInPlace(target, bytes, error);
+    const std::string tempPrefix =
+        "." + baseNameOf(target).substr(0, kMaxTempStem) + std::string(kTempInfix);
+    removeStaleTemps(directory, tempPrefix);
+
+    // An unnamed file where the file system allows it: a save killed
+    // half-way then leaves nothing behind. Otherwise a named one, locked
+    // while it is in use so that the clean-up above leaves it alone.
+    std::string temp;
+    int fd = open(directory.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+    const bool unnamed = fd >= 0;
+    if (!unnamed) {
+        temp = directory + "/" + tempPrefix + "XXXXXX";
+        fd = mkostemp(temp.data(), O_CLOEXEC);
+        if (fd < 0 && exists) {
+            // A folder the user may not write, holding a file the user may.
+            return rewriteInPlace(target, bytes, error);
+        }
+        if (fd < 0) {
+            return fail(error, "cannot create a file in " + directory, errno);
+        }
     }
-    if (fd < 0) {
-        return fail(error, "cannot create a file in " + directory, errno);
-    }
-    temp.assign(name.data());
+    flock(fd, LOCK_EX | LOCK_NB);
 
     auto abandon = [&](const std::string& what) {
         const int code = errno;
+        if (!temp.empty()) {
+            unlink(temp.c_str());
+        }
         close(fd);
-        unlink(temp.c_str());
         return fail(error, what, code);
     };
     if (!writeAll(fd, bytes)) {
-        return abandon("cannot write " + temp);
+        return abandon("cannot write the new content of " + target);
     }
     if (fchmod(fd, mode) != 0) {
-        return abandon("cannot set the permissions of " + temp);
+        return abandon("cannot set the permissions of the new " + target);
     }
     if (exists) {
         // Keeps the owner when we may (root saving someone else's file);
@@ -200,27 +352,34 @@ bool replaceFileContents(const std::string& path, std::string_view bytes, std::s
         [[maybe_unused]] const int ignored = fchown(fd, old.st_uid, old.st_gid);
     }
     if (fsync(fd) != 0) {
-        return abandon("cannot flush " + temp);
+        return abandon("cannot flush the new content of " + target);
     }
+
+    bool placed = false;
+    if (unnamed) {
+        // A new file gets its name in one step; an existing one is replaced
+        // through a short-lived name, since a link cannot replace a file.
+        placed = !exists && linkUnnamed(fd, target);
+        for (int attempt = 0; !placed && temp.empty() && attempt < 100; ++attempt) {
+            const std::string candidate = directory + "/" + tempPrefix + randomSuffix();
+            if (linkUnnamed(fd, candidate)) {
+                temp = candidate;
+            } else if (errno != EEXIST) {
+                break;
+            }
+        }
+        if (!placed && temp.empty()) {
+            return abandon("cannot name the new " + target);
+        }
+    }
+    if (!placed && rename(temp.c_str(), target.c_str()) != 0) {
+        return abandon("cannot replace " + target);
+    }
+    // Closed only now: the lock covers the file until it has its final name.
     if (close(fd) != 0) {
-        const int code = errno;
-        unlink(temp.c_str());
-        return fail(error, "cannot close " + temp, code);
+        return fail(error, "cannot close " + target, errno);
     }
-    if (rename(temp.c_str(), target.c_str()) != 0) {
-        const int code = errno;
-        unlink(temp.c_str());
-        return fail(error, "cannot replace " + target, code);
-    }
-    // The new file is in place; flushing the folder makes the rename itself
-    // durable. Some file systems refuse to sync a directory, which changes
-    // nothing about the content already written.
-    const int dir = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (dir >= 0) {
-        fsync(dir);
-        close(dir);
-    }
-    return true;
+    return flushFolder(directory, error);
 }
 
 }  // namespace lorekeep

@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -12,6 +14,7 @@
 #include <map>
 
 #include "schema/schema_file.hpp"
+#include "support/syscall_faults.hpp"
 #include "support/test_support.hpp"
 
 namespace lorekeep {
@@ -114,29 +117,9 @@ TEST_F(SaveTest, FullAndReadOnlyFileSystemsKeepTheOldFile) {
     umount2(folder.c_str(), MNT_DETACH);
 }
 
-TEST_F(SaveTest, FileSizeLimitMidWriteKeepsTheOldFile) {
-    writeBytes(m_dir / "s.sch", "precious");
-    struct rlimit old {};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    struct rlimit small = old;
-    small.rlim_cur = 4096;
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    SchemaDocument huge = workedExample();
-    huge.entry(Language::French).body = Text(100 * 1024, u'x');
-    const bool saved = saveTo(m_dir.path(), "s", huge);
-    setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, oldHandler);
-    EXPECT_FALSE(saved);
-    EXPECT_EQ(readBytes(m_dir / "s.sch"), "precious");
-    EXPECT_EQ(listDirectory(m_dir.path()), std::set<std::string>{"s.sch"});
-}
-
-// Runs `save` as a user who may not write the folder: as uid 65534 when we
-// are root, as ourselves otherwise. The folder is made read-only for that
-// user; the exit status says whether the save succeeded.
-int saveAsUnprivilegedUser(const std::string& folder, const std::function<bool()>& save) {
-    chmod(folder.c_str(), 0555);
+// Runs `save` as uid 65534 when we are root, as ourselves otherwise (77
+// when the switch fails); the exit status says whether the save succeeded.
+int asUnprivilegedUser(const std::function<bool()>& save) {
     const pid_t child = fork();
     if (child == 0) {
         if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
@@ -146,8 +129,91 @@ int saveAsUnprivilegedUser(const std::string& folder, const std::function<bool()
     }
     int status = 0;
     waitpid(child, &status, 0);
-    chmod(folder.c_str(), 0755);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+
+// A link is followed only where the kernel's protection for shared folders
+// would follow it: never another user's link in a sticky, world-writable
+// folder that this user does not own. Saved as uid 65534 into its own file.
+TEST_F(SaveTest, LinksInSharedFoldersAreFollowedOnlyAsTheKernelWould) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "planting another user's link needs root";
+    }
+    const uid_t other = 65533;
+    const uid_t saver = 65534;
+    const std::tuple<const char*, mode_t, uid_t, const char*, bool> cases[] = {
+        {"another user's link", 01777, other, "../mine/s.sch", false},
+        {"another user's dangling link", 01777, other, "../mine/new.sch", false},
+        {"another user's link to a folder", 01777, other, "../mine", false},
+        {"the saver's own link", 01777, saver, "../mine/s.sch", true},
+        {"the folder owner's link", 01777, 0, "../mine/s.sch", true},
+        {"a folder that is not sticky", 00777, other, "../mine/s.sch", true},
+    };
+    ASSERT_EQ(chmod(m_dir.path().c_str(), 0755), 0);
+    for (const auto& [what, folderMode, linkOwner, target, followed] : cases) {
+        std::filesystem::remove_all(m_dir / "shared");
+        std::filesystem::remove_all(m_dir / "mine");
+        std::filesystem::create_directory(m_dir / "shared");
+        std::filesystem::create_directory(m_dir / "mine");
+        writeBytes(m_dir / "mine/s.sch", "precious");
+        ASSERT_EQ(chown((m_dir / "mine").c_str(), saver, saver), 0);
+        ASSERT_EQ(chown((m_dir / "mine/s.sch").c_str(), saver, saver), 0);
+        ASSERT_EQ(chmod((m_dir / "shared").c_str(), folderMode), 0);
+        const bool toFolder = std::string(target) == "../mine";
+        const std::string link = m_dir / (toFolder ? "shared/dir" : "shared/s.sch");
+        std::filesystem::create_symlink(target, link);
+        ASSERT_EQ(lchown(link.c_str(), linkOwner, linkOwner), 0);
+        const auto before = snapshot(m_dir / "mine");
+        const int saved = asUnprivilegedUser([&] {
+            return saveTo(m_dir / (toFolder ? "shared/dir" : "shared"), "s");
+        });
+        EXPECT_EQ(saved, followed ? 0 : 1) << what;
+        EXPECT_EQ(snapshot(m_dir / "mine") == before, !followed) << what;
+        EXPECT_EQ(listDirectory(m_dir / "shared").size(), 1u) << what;
+    }
+}
+
+// A save killed after writing (here: inside its flush) leaves no temporary
+// file, and a later save removes those that killed saves left by name,
+// sparing one that a running save holds.
+TEST_F(SaveTest, KilledSavesLeaveNothingBehind) {
+    writeBytes(m_dir / "s.sch", "precious");
+    const pid_t child = fork();
+    if (child == 0) {
+        testing::setFsyncFault([](int) -> std::optional<int> { _exit(9); });
+        _exit(saveTo(m_dir.path(), "s") ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 9);
+    const int unnamed = open(m_dir.path().c_str(), O_TMPFILE | O_RDWR, 0600);
+    if (unnamed >= 0) {  // otherwise the clean-up below has to remove it
+        close(unnamed);
+        EXPECT_EQ(snapshot(m_dir.path()),
+                  (std::map<std::string, std::string>{{"s.sch", "precious"}}));
+    }
+
+    for (const char* name : {".s.sch.tmp-abc123", ".s.sch.tmp-xyz789", ".s.sch.tmp-abc12",
+                             ".t.sch.tmp-abc123"}) {
+        writeBytes(m_dir / name, "left over");
+    }
+    const int running = open((m_dir / ".s.sch.tmp-xyz789").c_str(), O_RDONLY);
+    ASSERT_EQ(flock(running, LOCK_EX), 0);
+    ASSERT_TRUE(saveTo(m_dir.path(), "s"));
+    close(running);
+    EXPECT_EQ(listDirectory(m_dir.path()), (std::set<std::string>{"s.sch", ".s.sch.tmp-xyz789",
+                                                                  ".s.sch.tmp-abc12",
+                                                                  ".t.sch.tmp-abc123"}));
+}
+
+TEST_F(SaveTest, AFolderThatCannotBeFlushedFailsTheSave) {
+    testing::setFsyncFault([](int fd) -> std::optional<int> {
+        struct stat st {};
+        return fstat(fd, &st) == 0 && S_ISDIR(st.st_mode) ? (errno = EIO, -1) : std::optional<int>();
+    });
+    EXPECT_FALSE(saveTo(m_dir.path(), "s"));
+    testing::setFsyncFault(nullptr);
 }
 
 // A folder the user may not write, holding a file the user may: the file is
@@ -158,8 +224,8 @@ TEST_F(SaveTest, UnwritableFolderRewritesAWritableFileInPlace) {
     writeBytes(file, "precious");
     ASSERT_EQ(chmod(file.c_str(), 0666), 0);
     ASSERT_EQ(link(file.c_str(), (m_dir / "other.sch").c_str()), 0);
-    const int saved =
-        saveAsUnprivilegedUser(m_dir.path(), [&] { return saveTo(m_dir.path(), "The Tower"); });
+    chmod(m_dir.path().c_str(), 0555);  // read-only to the saving user
+    const int saved = asUnprivilegedUser([&] { return saveTo(m_dir.path(), "The Tower"); });
     if (saved == 77) {
         GTEST_SKIP() << "cannot switch to an unprivileged user here";
     }
@@ -171,7 +237,7 @@ TEST_F(SaveTest, UnwritableFolderRewritesAWritableFileInPlace) {
     EXPECT_EQ(st.st_uid, geteuid());
     EXPECT_EQ(listDirectory(m_dir.path()), (std::set<std::string>{"The Tower.sch", "other.sch"}));
 
-    const int failed = saveAsUnprivilegedUser(m_dir.path(), [&] {
+    const int failed = asUnprivilegedUser([&] {
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit small{4096, 4096};
         SchemaDocument huge = workedExample();
