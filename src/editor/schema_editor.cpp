@@ -8,6 +8,7 @@
 #include "markup/renderer.hpp"
 #include "schema/schema_document.hpp"
 #include "schema/schema_file.hpp"
+#include "schema/schema_writer.hpp"
 
 namespace lorekeep::editor {
 
@@ -32,18 +33,25 @@ void SchemaEditor::characterTyped(int box, int& code) {
         return;
     }
     EditorBox& editor = *m_controls.richTextBoxes[box];
-    const TextEdit edit = breakKeyEdit(editor.plainText(), editor.caretPosition());
-    editor.replaceText(edit.text);
-    editor.setCaretPosition(edit.caret);
+    applyEdit(editor, breakKeyEdit(editor.plainText(), editor.caretPosition()));
     code = 0;
 }
 
 void SchemaEditor::insertAtCaret(int language, TextView marker) {
     EditorBox& editor = *m_controls.richTextBoxes[language];
     const TextEdit edit = editor::insertAtCaret(editor.plainText(), editor.caretPosition(), marker);
-    editor.replaceText(edit.text);
     editor.giveFocus();
+    applyEdit(editor, edit);
+}
+
+bool SchemaEditor::applyEdit(EditorBox& editor, const TextEdit& edit) {
+    if (edit.text.size() > kMaxBodyLength) {
+        editor.beep();
+        return false;
+    }
+    editor.replaceText(edit.text);
     editor.setCaretPosition(edit.caret);
+    return true;
 }
 
 void SchemaEditor::justify(int language, bool MarkerState::*own, bool MarkerState::*firstOther,
@@ -213,9 +221,19 @@ void SchemaEditor::load(TextView schemaName, TextView schemaFolder) {
 }
 
 bool SchemaEditor::applyLoad(TextView schemaName, TextView schemaFolder) {
-    // Nothing in the window changes until the whole file has been read.
-    const LoadResult loaded =
-        loadSchema(schemaFolder, schemaName, ReaderOptions{true, kMaxBodyLength});
+    // Nothing in the window changes until the whole file has been read, and
+    // nothing at all when a field is longer than its box may hold: the window
+    // never shows a cut text as if it were the file's.
+    const std::size_t largestFile =
+        largestSchemaSize({kMaxLineLength, kMaxLineLength, kMaxTitleLength, kMaxBodyLength});
+    const LoadResult loaded = loadSchema(schemaFolder, schemaName, {}, largestFile);
+    for (const RecordRead& record : loaded.read.records) {
+        if ((record.font && record.font->text.size() > kMaxLineLength) ||
+            (record.title && record.title->size() > kMaxTitleLength) ||
+            (record.body && record.body->size() > kMaxBodyLength)) {
+            return false;
+        }
+    }
     for (std::size_t i = 0; i < loaded.read.records.size(); ++i) {
         const RecordRead& record = loaded.read.records[i];
         if (record.font) {

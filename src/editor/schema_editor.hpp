@@ -3,6 +3,7 @@
 #include <array>
 
 #include "editor/controls.hpp"
+#include "editor/text_edits.hpp"
 #include "schema/date_stamp.hpp"
 #include "schema/schema_reader.hpp"
 
@@ -16,8 +17,13 @@ inline constexpr int kColourBoxesPerLanguage = 3;
 // The longest body the window takes on. A body is one paragraph of its text
 // box, and the toolkit lays a paragraph out whole on every change: at four
 // million characters a keystroke already takes over a second, and some tens
-// of millions stall the window for many minutes.
+// of millions stall the window for many minutes. No paste, keystroke or
+// command makes a body longer, and a file holding a longer one is not loaded.
 inline constexpr std::size_t kMaxBodyLength = 4'000'000;
+// A title box holds as much as a file can carry: as much as a body.
+inline constexpr std::size_t kMaxTitleLength = kMaxBodyLength;
+// The font, folder and name boxes: the toolkit's usual single-line limit.
+inline constexpr std::size_t kMaxLineLength = 32'767;
 
 // Every control of the main window that the behaviour reads or writes.
 struct WindowControls {
@@ -103,6 +109,9 @@ class SchemaEditor {
     void justify(int language, bool MarkerState::*own, bool MarkerState::*firstOther,
                  bool MarkerState::*secondOther, TextView marker);
     bool folderAndNameGiven();
+    // Writes an edit's text and caret into an editor, unless the body would
+    // grow beyond its limit: then the editor beeps and keeps its text.
+    bool applyEdit(EditorBox& editor, const TextEdit& edit);
     // Reads the file and applies it language by language; false on failure.
     bool applyLoad(TextView schemaName, TextView schemaFolder);
 

@@ -1,8 +1,12 @@
 #include "schema/schema_file.hpp"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
 #include <new>
 
 #include "schema/safe_file.hpp"
@@ -16,28 +20,64 @@ FileResult failure(std::string reason) {
     return {false, std::move(reason)};
 }
 
-FileResult readFileBytes(const std::string& path, std::string& bytes) {
-    std::error_code error;
+// Reads a regular file of at most `maxSize` bytes, in memory and time that
+// do not depend on how large a refused file is. A FIFO or a device is
+// refused before it is opened, and opening never waits for a writer.
+FileResult readFileBytes(const std::string& path, std::size_t maxSize, std::string& bytes) {
     if (path.find('\0') != std::string::npos) {
         return failure("invalid file name");
     }
-    if (!std::filesystem::is_regular_file(std::filesystem::path(path), error)) {
+    struct stat st {};
+    if (stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) {
         return failure(path + " is not a readable file");
     }
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
+    const int fd = open(path.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
         return failure("cannot open " + path);
     }
-    bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    if (in.bad()) {
-        return failure("cannot read " + path);
+    FileResult result{true, {}};
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) ||
+        static_cast<std::uintmax_t>(st.st_size) > maxSize) {
+        result = failure(path + " is not a file of at most " + std::to_string(maxSize) + " bytes");
+    } else {
+        // Read up to one byte more than allowed, which shows a file that grew.
+        const std::size_t cap = maxSize < SIZE_MAX ? maxSize + 1 : SIZE_MAX;
+        bytes.resize(std::min(cap, static_cast<std::size_t>(st.st_size) + 1));
+        std::size_t got = 0;
+        for (;;) {
+            if (got == bytes.size()) {
+                if (got == cap) {
+                    break;
+                }
+                bytes.resize(std::min(cap, 2 * got));
+            }
+            const ssize_t n = read(fd, bytes.data() + got, bytes.size() - got);
+            if (n < 0 && errno == EINTR) {
+                continue;
+            }
+            if (n <= 0) {
+                result = n == 0 ? result : failure("cannot read " + path);
+                break;
+            }
+            got += static_cast<std::size_t>(n);
+        }
+        if (result && got > maxSize) {
+            result = failure(path + " is larger than " + std::to_string(maxSize) + " bytes");
+        }
+        bytes.resize(got);
     }
-    return {true, {}};
+    close(fd);
+    return result;
 }
 
 }  // namespace
 
 FileResult saveSchema(const SchemaDocument& document, const LocalDateTime& stamp) {
+    // The name is the file's third line: a line break in it would make a
+    // file that no load can take apart.
+    if (document.name.find_first_of(u"\r\n") != Text::npos) {
+        return failure("a schema name cannot hold a line break");
+    }
     try {
         std::string reason;
         const std::string bytes = composeSchemaBytes(document, stamp);
@@ -51,11 +91,12 @@ FileResult saveSchema(const SchemaDocument& document, const LocalDateTime& stamp
     }
 }
 
-LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& options) {
+LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& options,
+                      std::size_t maxFileSize) {
     LoadResult result;
     try {
         std::string bytes;
-        const FileResult file = readFileBytes(toUtf8(schemaPath(folder, name)), bytes);
+        const FileResult file = readFileBytes(toUtf8(schemaPath(folder, name)), maxFileSize, bytes);
         if (!file) {
             result.reason = file.reason;
             return result;

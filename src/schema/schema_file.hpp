@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <string>
 
 #include "schema/date_stamp.hpp"
@@ -29,7 +30,9 @@ struct LoadResult {
     SchemaRead read;     // what it holds, as far as it could be read
 };
 
-// Reads folder/name.sch and takes it apart; changes nothing anywhere.
-LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& options = {});
+// Reads folder/name.sch and takes it apart; changes nothing anywhere. A file
+// larger than `maxFileSize` bytes is refused without being read.
+LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& options = {},
+                      std::size_t maxFileSize = std::numeric_limits<std::size_t>::max());
 
 }  // namespace lorekeep

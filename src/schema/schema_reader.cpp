@@ -300,11 +300,6 @@ SchemaRead readSchema(std::string_view bytes, const ReaderOptions& options) {
     if (!records) {
         return result;
     }
-    for (const Text& record : *records) {
-        if (options.maxRecordLength != 0 && record.size() > options.maxRecordLength) {
-            return result;
-        }
-    }
     for (Language language : kAllLanguages) {
         result.records.push_back(
             readLanguageBlock((*records)[indexOf(language)], language, options));

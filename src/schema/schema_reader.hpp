@@ -30,7 +30,7 @@ struct RecordRead {
 struct SchemaRead {
     // Up to and including the first record that cannot be read. Empty when
     // the file cannot be split into records at all (too few fields, a field
-    // before the first record, a fifth record, a record that is too long).
+    // before the first record, a fifth record).
     std::vector<RecordRead> records;
 
     // Every language read: four records, each with its body.
@@ -41,8 +41,6 @@ struct ReaderOptions {
     // Also recognise the layout that the writer produces, where separators
     // stand around the font and title tags and before the closing quote.
     bool acceptWriterLayout = true;
-    // A record longer than this fails the whole read (0: no limit).
-    std::size_t maxRecordLength = 0;
 };
 
 // Reads a schema file's bytes (Windows-1252). Fields are read up to a comma

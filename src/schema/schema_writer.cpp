@@ -66,4 +66,16 @@ std::string composeSchemaBytes(const SchemaDocument& document, const LocalDateTi
     return encodeWindows1252(composeSchemaText(document, stamp));
 }
 
+std::size_t largestSchemaSize(const FieldLimits& limits) {
+    // Every character is one byte: the frame of a file whose fields are all
+    // empty but for one-character titles, plus the fields at their limits.
+    SchemaDocument frame;
+    for (LanguageEntry& entry : frame.entries) {
+        entry.title = u"x";
+    }
+    const std::size_t frameSize =
+        composeSchemaText(frame, LocalDateTime{2000, 1, 1, 0, 0, 0}).size() - kLanguageCount;
+    return frameSize + limits.name + kLanguageCount * (limits.font + limits.title + limits.body);
+}
+
 }  // namespace lorekeep

@@ -22,4 +22,16 @@ Text composeSchemaText(const SchemaDocument& document, const LocalDateTime& stam
 // The same, encoded in Windows-1252: the bytes that go to disk.
 std::string composeSchemaBytes(const SchemaDocument& document, const LocalDateTime& stamp);
 
+// The longest a field may be.
+struct FieldLimits {
+    std::size_t name = 0;
+    std::size_t font = 0;
+    std::size_t title = 0;
+    std::size_t body = 0;
+};
+
+// The size of the largest file that composeSchemaBytes writes for fields
+// within these limits.
+std::size_t largestSchemaSize(const FieldLimits& limits);
+
 }  // namespace lorekeep

@@ -1,5 +1,7 @@
 #include "ui/language_page.hpp"
 
+#include "editor/schema_editor.hpp"
+
 #include "ui/caption_button.hpp"
 #include "ui/window_layout.hpp"
 
@@ -45,6 +47,7 @@ LanguagePage::LanguagePage(int language, QPoint offset, QWidget* parent) : QWidg
     titleBox = layout::place(new QLineEdit(this), layout::kTxtTitle,
                              layout::indexedName("txtTitle", i), layout::kTxtTitleTip, offset);
     titleLabel->setBuddy(titleBox);
+    titleBox->setMaxLength(static_cast<int>(editor::kMaxTitleLength));
 
     bodyEditor = layout::place(new RichTextBox(this), layout::kLanguageEditor,
                                layout::indexedName("rtbText", i), layout::kEditorTip, offset);

@@ -85,6 +85,8 @@ void MainWindow::createControls() {
     nameBox = place(new QLineEdit(schemaFrame), layout::kTxtName, "txtName", layout::kTxtNameTip);
     folderLabel->setBuddy(folderBox);
     nameLabel->setBuddy(nameBox);
+    folderBox->setMaxLength(static_cast<int>(editor::kMaxLineLength));
+    nameBox->setMaxLength(static_cast<int>(editor::kMaxLineLength));
 
     fontLabel =
         place(new QLabel(toQString(layout::kLabel4Caption), this), layout::kLabel4, "Label4");
@@ -94,6 +96,7 @@ void MainWindow::createControls() {
     // Typed names are saved as typed: never added to the list, never completed.
     fontBox->setInsertPolicy(QComboBox::NoInsert);
     fontBox->setCompleter(nullptr);
+    fontBox->lineEdit()->setMaxLength(static_cast<int>(editor::kMaxLineLength));
     for (std::u16string_view font : kFontNames) {
         fontBox->addItem(toQString(font), 0);
     }

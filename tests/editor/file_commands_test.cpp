@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <random>
 
 #include "editor/texts.hpp"
@@ -102,7 +104,7 @@ TEST(FileCommands, FailedLoadsChangeNothing) {
     testing::writeBytes(dir / "header.sch", "VERSION 2.0\r\nTextEntry\r\nx\r\n");
     std::filesystem::create_directory(dir / "folder.sch");
     std::string huge = "V\r\nT\r\nN\r\nlang_english 2005-03-14 14:05:09 \"";
-    huge += std::string(kMaxBodyLength, 'x') + "\"\r\n";
+    huge += std::string(kMaxBodyLength + 1, 'x') + "\"\r\n";  // one beyond the editor's limit
     for (const char* key : {"lang_french ", "lang_german ", "lang_italian "}) {
         huge += std::string(key) + "2005-03-14 14:05:09 \"y\"\r\n";
     }
@@ -116,6 +118,61 @@ TEST(FileCommands, FailedLoadsChangeNothing) {
         EXPECT_EQ(w.document(), before) << name;
         EXPECT_EQ(w.font.selected, 3) << name;
     }
+}
+
+// The kernel's count of this process's resident memory, in kB: now, or at its
+// peak since the last reset.
+long memoryKb(const std::string& field) {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with(field + ":")) {
+            return std::stol(line.substr(field.size() + 1));
+        }
+    }
+    return -1;
+}
+
+// A file far larger than any the window saves is refused without being read:
+// a 1 GB file costs less than 50 MB at the peak.
+TEST(FileCommands, HugeFilesAreRefusedUnread) {
+    TempDir dir;
+    {
+        std::ofstream file(dir / "huge.sch");
+    }
+    std::filesystem::resize_file(dir / "huge.sch", 1ull << 30);  // sparse: no disk used
+    std::ofstream resetPeak("/proc/self/clear_refs");
+    if (!(resetPeak << "5" << std::flush)) {
+        GTEST_SKIP() << "cannot reset the peak memory count here";
+    }
+    const long before = memoryKb("VmRSS");
+    FakeWindow w;
+    w.editor.load(u"huge", utf16(dir.path()));
+    EXPECT_EQ(shown(w), texts::kLoadFailed);
+    EXPECT_LT(memoryKb("VmHWM") - before, 50 * 1024);
+}
+
+// Fields as long as their boxes hold save and load back whole; a name with a
+// line break is refused at save, as its file could never load.
+TEST(FileCommands, WhatTheWindowHoldsSavesAndLoadsBack) {
+    TempDir dir;
+    FakeWindow w;
+    w.folder.value = utf16(dir.path());
+    w.name.value = u"long";
+    w.font.setEditText(Text(kMaxLineLength, u'f'));
+    for (int i = 0; i < kLanguageCount; ++i) {
+        w.titles[i].value = Text(kMaxTitleLength, u't');
+        w.boxes[i].text = Text(kMaxBodyLength - 2, u'b') + u"\n";
+    }
+    w.editor.saveClicked();
+    FakeWindow loaded;
+    loaded.editor.load(u"long", w.folder.value);
+    EXPECT_EQ(shown(loaded), Text());
+    EXPECT_TRUE(loaded.document() == w.document());
+
+    w.name.value = u"two\nlines";
+    w.editor.saveClicked();
+    EXPECT_EQ(shown(w), texts::kSaveFailed);
+    EXPECT_EQ(testing::listDirectory(dir.path()), std::set<std::string>{"long.sch"});
 }
 
 // Documents of any text the format can carry, saved and loaded back through
