@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "editor/text_edits.hpp"
 #include "markup/preview.hpp"
 #include "markup/text.hpp"
 
@@ -21,8 +22,20 @@ class EditorBox {
   public:
     virtual ~EditorBox() = default;
     virtual Text plainText() const = 0;
-    // Replaces the whole text; raises the box's text-changed notification.
-    virtual void replaceText(TextView text) = 0;
+    // Replaces `length` characters from `start` with `text` as one edit (one
+    // undo step) and raises the box's text-changed notification, even when
+    // nothing changes.
+    virtual void replaceRange(std::size_t start, std::size_t length, TextView text) = 0;
+    // Tells the user that an edit was refused.
+    virtual void beep() = 0;
+
+    // Sets the whole text, caret at the start. Only what differs is replaced,
+    // so that an undo step holds no more than the change.
+    void replaceText(TextView text) {
+        const Splice change = smallestChange(plainText(), text);
+        replaceRange(change.start, change.length, change.text);
+        setCaretPosition(0);
+    }
     // Characters in front of the caret (with a selection, its start).
     virtual std::size_t caretPosition() const = 0;
     // A position beyond the end puts the caret at the end.

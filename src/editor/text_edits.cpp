@@ -7,6 +7,17 @@
 
 namespace lorekeep::editor {
 
+Splice smallestChange(TextView from, TextView to) {
+    const std::size_t shorter = std::min(from.size(), to.size());
+    const std::size_t head =
+        static_cast<std::size_t>(std::mismatch(from.begin(), from.begin() + shorter, to.begin()).first -
+                                 from.begin());
+    const std::size_t tail = static_cast<std::size_t>(
+        std::mismatch(from.rbegin(), from.rend() - head, to.rbegin(), to.rend() - head).first -
+        from.rbegin());
+    return {head, from.size() - head - tail, to.substr(head, to.size() - head - tail)};
+}
+
 TextEdit insertAtCaret(TextView text, std::size_t caret, TextView marker) {
     const std::size_t p = std::min(caret, text.size());
     TextEdit edit;

@@ -15,6 +15,17 @@ struct TextEdit {
     bool operator==(const TextEdit&) const = default;
 };
 
+// Replacing `length` characters from `start` with `text`.
+struct Splice {
+    std::size_t start = 0;
+    std::size_t length = 0;
+    TextView text;
+};
+
+// The smallest splice that turns `from` into `to`: what lies between their
+// common start and their common end. Its text points into `to`.
+Splice smallestChange(TextView from, TextView to);
+
 // The marker spliced in at the caret, the caret directly behind it. A caret
 // beyond the end counts as the end.
 TextEdit insertAtCaret(TextView text, std::size_t caret, TextView marker);

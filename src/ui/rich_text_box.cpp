@@ -68,6 +68,10 @@ std::size_t RichTextBox::length() const {
     return static_cast<std::size_t>(document()->characterCount() - 1);
 }
 
+std::size_t RichTextBox::selectionLength() const {
+    return static_cast<std::size_t>(textCursor().selectionEnd() - textCursor().selectionStart());
+}
+
 Text RichTextBox::plainText() const {
     Text text;
     text.reserve(length());
@@ -82,15 +86,35 @@ Text RichTextBox::plainText() const {
     return text;
 }
 
-void RichTextBox::replaceText(TextView text) {
+void RichTextBox::replaceRange(std::size_t start, std::size_t length, TextView text) {
+    if (length == 0 && text.empty()) {
+        // Nothing to change, but whoever set the text still hears of it.
+        emit textChanged();
+        return;
+    }
     // One edit block: one undo step and one text-changed notification.
     QTextCursor cursor(document());
     cursor.beginEditBlock();
-    cursor.select(QTextCursor::Document);
+    // Which block survives a removal across a paragraph end is the toolkit's
+    // choice: the blocks from `start` on get back what ended the one before.
+    const int ended = document()->findBlock(static_cast<int>(start)).userState();
+    cursor.setPosition(static_cast<int>(start));
+    cursor.setPosition(static_cast<int>(start + length), QTextCursor::KeepAnchor);
     cursor.removeSelectedText();
     insertWithSeparators(cursor, text, QTextCharFormat());
+    QTextBlock block = document()->findBlock(static_cast<int>(start));
+    block.setUserState(ended);
+    for (const char16_t c : text) {
+        if (markup::isParagraphSeparator(c)) {
+            block = block.next();
+            block.setUserState(c == u'\r' ? kEndedByCarriageReturn : -1);
+        }
+    }
     cursor.endEditBlock();
-    setCaretPosition(0);
+}
+
+void RichTextBox::beep() {
+    QApplication::beep();
 }
 
 std::size_t RichTextBox::caretPosition() const {
@@ -197,8 +221,9 @@ markup::Alignment RichTextBox::paragraphAlignment(int paragraph) const {
 
 void RichTextBox::insertFromMimeData(const QMimeData* source) {
     if (source != nullptr && source->hasText() &&
-        length() + static_cast<std::size_t>(source->text().size()) > editor::kMaxBodyLength) {
-        QApplication::beep();
+        length() - selectionLength() + static_cast<std::size_t>(source->text().size()) >
+            editor::kMaxBodyLength) {
+        beep();
         return;
     }
     QTextEdit::insertFromMimeData(source);
@@ -220,6 +245,11 @@ void RichTextBox::keyPressEvent(QKeyEvent* event) {
     const bool shortcut = event->modifiers() & (Qt::ControlModifier | Qt::AltModifier);
     if (!isCharacter || !onCharacterTyped || (shortcut && !enter)) {
         QTextEdit::keyPressEvent(event);
+        return;
+    }
+    if (!enter && length() - selectionLength() >= editor::kMaxBodyLength) {
+        beep();  // the body is as long as it may be
+        event->accept();
         return;
     }
     int code = typed[0].unicode();

@@ -26,7 +26,8 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
 
     // editor::EditorBox
     Text plainText() const override;
-    void replaceText(TextView text) override;
+    void replaceRange(std::size_t start, std::size_t length, TextView text) override;
+    void beep() override;
     std::size_t caretPosition() const override;
     void setCaretPosition(std::size_t position) override;
     void giveFocus() override;
@@ -45,6 +46,7 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
 
   private:
     std::size_t length() const;
+    std::size_t selectionLength() const;
     // The anchor at the end and the caret at `offset`.
     void selectToEnd(std::size_t offset);
 };

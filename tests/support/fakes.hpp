@@ -38,14 +38,15 @@ struct CountingClock final : Clock {
 // A rich-text box: an editor for the commands and a preview pane.
 struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     Text plainText() const override { return text; }
-    void replaceText(TextView value) override {
-        text = Text(value);
-        caret = 0;
+    void replaceRange(std::size_t start, std::size_t length, TextView value) override {
+        text.replace(start, length, value);
+        caret = std::min(caret, text.size());
         ++replacements;
         if (onChange) {
             onChange();
         }
     }
+    void beep() override { ++beeps; }
     std::size_t caretPosition() const override { return caret; }
     void setCaretPosition(std::size_t at) override { caret = std::min(at, text.size()); }
     void giveFocus() override { focused = true; }
@@ -55,6 +56,7 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     std::size_t caret = 0;
     bool focused = false;
     int replacements = 0;
+    int beeps = 0;
     std::optional<markup::RenderedPreview> preview;  // what the pane last showed
     std::function<void()> onChange;
 };

@@ -1,5 +1,9 @@
+#include <unistd.h>
+
 #include <QTemporaryDir>
 #include <QtTest>
+#include <fstream>
+#include <random>
 
 #include "editor/texts.hpp"
 #include "markup/renderer.hpp"
@@ -159,6 +163,60 @@ class EditingTest : public QObject {
         QTest::keyClick(w.richTextBox(0), Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(text(w.richTextBox(0)), "changed");
         QCOMPARE(text(w.richTextBox(4)), "changed");
+        QVERIFY(m_messages.shown.empty());
+    }
+
+    // A text set as its smallest change reads back exactly, whatever line
+    // breaks the change cuts through or adds.
+    void smallestChangesKeepEveryCharacter() {
+        RichTextBox* editor = m_window->richTextBox(0);
+        std::mt19937 random(7);
+        Text next;
+        for (int step = 0; step < 300; ++step) {
+            const std::size_t at = random() % (next.size() + 1);
+            Text piece;
+            for (auto n = random() % 4; n > 0; --n) {
+                piece.push_back(u"ab\r\n"[random() % 4]);
+            }
+            next.replace(at, std::min<std::size_t>(random() % 4, next.size() - at), piece);
+            editor->replaceText(next);
+            QCOMPARE(text(editor), toQString(next));
+        }
+    }
+
+    // A thousand commands on long bodies: the program's memory stays within
+    // 16 MB, as each undo step holds its change and not a copy of the body.
+    // (A load or copy that differs in two places holds the text between them.)
+    void commandsKeepMemoryFlat() {
+        MainWindow& w = *m_window;
+        QTemporaryDir dir;
+        Text body;
+        while (body.size() < 40'000) {
+            body += u"words and more words\n<jc>\n";
+        }
+        w.richTextBox(0)->replaceText(body);
+        auto commands = [&](int count) {
+            for (int k = 0; k < count; ++k) {
+                w.richTextBox(0)->setCaretPosition(20'000 + 7 * static_cast<std::size_t>(k));
+                switch (k % 6) {
+                    case 0: QTest::keyClick(w.richTextBox(0), Qt::Key_Return); break;
+                    case 2: w.languagePages[0]->centreButton->click(); break;
+                    case 4: w.save("soak", dir.path()); break;
+                    case 5: w.load("soak", dir.path()); break;
+                    default: w.languagePages[0]->copyButton->click(); break;
+                }
+            }
+        };
+        auto residentBytes = [] {
+            long pages = 0;
+            std::ifstream("/proc/self/statm") >> pages >> pages;
+            return pages * sysconf(_SC_PAGESIZE);
+        };
+        commands(100);
+        const long before = residentBytes();
+        commands(1000);
+        QVERIFY2(residentBytes() - before < 16l << 20,
+                 qPrintable(QString::number(residentBytes() - before)));
         QVERIFY(m_messages.shown.empty());
     }
 };
