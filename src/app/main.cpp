@@ -49,6 +49,14 @@ std::optional<int> readCommandLine(int argc, char* argv[], QString& file) {
         return 2;
     }
     file = parser.positionalArguments().value(0);
+    // Qt decodes a file name that is not valid UTF-8 with losses; the core's
+    // decoding keeps every byte, so the raw argument that Qt read is used.
+    for (int k = argc - 1; k > 0 && !file.isEmpty(); --k) {
+        if (QString::fromLocal8Bit(argv[k]) == file) {
+            file = lorekeep::ui::toQString(lorekeep::fromUtf8(argv[k]));
+            break;
+        }
+    }
     return std::nullopt;
 }
 

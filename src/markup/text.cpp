@@ -5,6 +5,11 @@ namespace lorekeep {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
+// A byte that is no part of valid UTF-8 travels as an unpaired surrogate,
+// U+DC80 to U+DCFF, and goes back out as the same byte.
+constexpr char16_t kEscapeBase = 0xDC00;
+constexpr char16_t kEscapedByteFirst = 0xDC80;
+constexpr char16_t kEscapedByteLast = 0xDCFF;
 
 void appendUtf8(std::string& out, char32_t cp) {
     if (cp < 0x80) {
@@ -52,6 +57,8 @@ std::string toUtf8(TextView text) {
             const char32_t cp = 0x10000 + ((char32_t(c) - 0xD800) << 10) + (text[i + 1] - 0xDC00);
             appendUtf8(out, cp);
             ++i;
+        } else if (c >= kEscapedByteFirst && c <= kEscapedByteLast) {
+            out.push_back(static_cast<char>(c - kEscapeBase));
         } else if (isHighSurrogate(c) || isLowSurrogate(c)) {
             appendUtf8(out, kReplacement);
         } else {
@@ -79,7 +86,7 @@ Text fromUtf8(std::string_view utf8) {
         } else if ((b0 & 0xF8) == 0xF0) {
             extra = 3, cp = b0 & 0x07, minimum = 0x10000;
         } else {
-            out.push_back(static_cast<char16_t>(kReplacement));
+            out.push_back(static_cast<char16_t>(kEscapeBase + b0));
             ++i;
             continue;
         }
@@ -93,7 +100,7 @@ Text fromUtf8(std::string_view utf8) {
             }
         }
         if (!valid || cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
-            out.push_back(static_cast<char16_t>(kReplacement));
+            out.push_back(static_cast<char16_t>(kEscapeBase + b0));
             ++i;
             continue;
         }

@@ -7,6 +7,7 @@
 #include <QKeySequence>
 #include <QMimeData>
 #include <QShortcut>
+#include <filesystem>
 
 #include "editor/texts.hpp"
 #include "schema/schema_document.hpp"
@@ -141,8 +142,17 @@ bool MainWindow::filterFileDrop(QEvent* event) {
         return false;  // dragged text is the text boxes' business
     }
     const QList<QUrl> urls = drop->mimeData()->urls();
-    const QString path = urls.size() == 1 ? urls[0].toLocalFile() : QString();
-    if (!path.endsWith(toQString(kSchemaExtension)) || !QFileInfo(path).isFile()) {
+    // The path's own bytes, decoded by the core, which keeps names that are
+    // not valid UTF-8 (Qt's decoding would lose them).
+    const std::string bytes =
+        urls.size() == 1 && urls[0].isLocalFile()
+            ? QByteArray::fromPercentEncoding(urls[0].path(QUrl::FullyEncoded).toLatin1())
+                  .toStdString()
+            : std::string();
+    const QString path = toQString(fromUtf8(bytes));
+    std::error_code error;
+    if (!path.endsWith(toQString(kSchemaExtension)) ||
+        !std::filesystem::is_regular_file(bytes, error)) {
         drop->ignore();
         return true;
     }

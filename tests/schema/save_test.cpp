@@ -67,6 +67,16 @@ TEST_F(SaveTest, ExistingFileKeepsItsModeAndALinkStaysALink) {
     EXPECT_EQ(st.st_mode & 07777, 0640u);
 }
 
+// A folder whose name is not valid UTF-8 is the folder written to, byte for byte.
+TEST_F(SaveTest, FolderNamesThatAreNotUtf8AreKept) {
+    for (const std::string name : {"caf\xe9", "\xff\xfe", "x\xe2\x82", "\xed\xa0\x80"}) {
+        std::filesystem::create_directory(m_dir / name);
+        EXPECT_TRUE(saveTo(m_dir / name, "The Tower")) << name;
+        EXPECT_EQ(readBytes(m_dir / (name + "/The Tower.sch")), m_expected) << name;
+    }
+    EXPECT_EQ(listDirectory(m_dir.path()).size(), 4u);
+}
+
 // A failed save leaves every existing file exactly as it was and no
 // temporary file behind; each case sets up one way of failing.
 TEST_F(SaveTest, FailuresLeaveTheFolderUntouched) {
