@@ -43,17 +43,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     const SchemaRead read = readSchema(bytes);
     check(read);
-    const SchemaRead older = readSchema(bytes, ReaderOptions{false, 0});
+    const SchemaRead older = readSchema(bytes, ReaderOptions{false});
     check(older);
     // Widening the reader to the writer's layout changes nothing for a file
     // that cannot hold a record in that layout: it takes a separator, "\n",
     // even once commas and line ends have joined the fields.
     if (bytes.find('\\') == std::string_view::npos && older.records != read.records) {
-        std::abort();
-    }
-    const SchemaRead limited = readSchema(bytes, ReaderOptions{true, 64});
-    check(limited);
-    if (!limited.records.empty() && limited.records != read.records) {
         std::abort();
     }
     return 0;
