@@ -44,14 +44,13 @@ void SchemaEditor::insertAtCaret(int language, TextView marker) {
     applyEdit(editor, edit);
 }
 
-bool SchemaEditor::applyEdit(EditorBox& editor, const TextEdit& edit) {
+void SchemaEditor::applyEdit(EditorBox& editor, const TextEdit& edit) {
     if (edit.text.size() > kMaxBodyLength) {
         editor.beep();
-        return false;
+        return;
     }
     editor.replaceText(edit.text);
     editor.setCaretPosition(edit.caret);
-    return true;
 }
 
 void SchemaEditor::justify(int language, bool MarkerState::*own, bool MarkerState::*firstOther,

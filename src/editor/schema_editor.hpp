@@ -111,7 +111,7 @@ class SchemaEditor {
     bool folderAndNameGiven();
     // Writes an edit's text and caret into an editor, unless the body would
     // grow beyond its limit: then the editor beeps and keeps its text.
-    bool applyEdit(EditorBox& editor, const TextEdit& edit);
+    void applyEdit(EditorBox& editor, const TextEdit& edit);
     // Reads the file and applies it language by language; false on failure.
     bool applyLoad(TextView schemaName, TextView schemaFolder);
 

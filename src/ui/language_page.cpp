@@ -1,7 +1,6 @@
 #include "ui/language_page.hpp"
 
 #include "editor/schema_editor.hpp"
-
 #include "ui/caption_button.hpp"
 #include "ui/window_layout.hpp"
 
