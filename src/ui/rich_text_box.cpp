@@ -37,7 +37,8 @@ QTextCharFormat colourFormat(const markup::CharColour& colour) {
     return format;
 }
 
-// Inserts text at the cursor, one paragraph end per separator character.
+// Inserts text at the cursor, one paragraph end per separator character;
+// which character ended each block is the caller's to record.
 void insertWithSeparators(QTextCursor& cursor, TextView text, const QTextCharFormat& format) {
     std::size_t start = 0;
     for (std::size_t k = 0; k <= text.size(); ++k) {
@@ -50,7 +51,6 @@ void insertWithSeparators(QTextCursor& cursor, TextView text, const QTextCharFor
         if (k < text.size()) {
             const QTextBlockFormat blockFormat = cursor.blockFormat();
             cursor.insertBlock(blockFormat, format);
-            cursor.block().setUserState(text[k] == u'\r' ? kEndedByCarriageReturn : -1);
         }
         start = k + 1;
     }
