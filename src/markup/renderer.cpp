@@ -1,6 +1,7 @@
 #include "markup/renderer.hpp"
 
 #include "markup/markers.hpp"
+#include "markup/segments.hpp"
 
 namespace lorekeep::markup {
 
@@ -40,7 +41,11 @@ constexpr std::size_t kMaxComponentLength = 4;
 // it ever changes and the finished prefix can be written out once.
 class Unscanned {
   public:
-    explicit Unscanned(TextView body) : m_body(body) {}
+    Unscanned(TextView body, std::size_t from) : m_body(body), m_next(from) {}
+
+    // Nothing pending: the scan stands in the body itself, at `position()`.
+    bool settled() const { return m_pendingStart == m_pending.size(); }
+    std::size_t position() const { return m_next; }
 
     std::size_t size() const { return m_pending.size() - m_pendingStart + m_body.size() - m_next; }
 
@@ -105,17 +110,37 @@ class Unscanned {
 
   private:
     TextView m_body;
-    std::size_t m_next = 0;
+    std::size_t m_next;
     Text m_pending;
     std::size_t m_pendingStart = 0;
 };
 
 class Renderer {
   public:
-    explicit Renderer(TextView body) : m_rest(body) { m_out.text.reserve(body.size()); }
+    Renderer(TextView body, std::size_t from, const segments::ScanState& entry,
+             const segments::Cuts& cuts, std::vector<segments::Segment>& out)
+        : m_rest(body, from), m_position(from), m_state(entry), m_cuts(cuts), m_out(out) {
+        startSegment();
+    }
 
-    RenderedPreview run() {
+    segments::ScanEnd run() {
+        const std::size_t placeCount = m_cuts.places != nullptr ? m_cuts.places->size() : 0;
         while (m_rest.size() >= 2) {
+            if (m_rest.settled()) {
+                const std::size_t at = m_rest.position();
+                while (m_nextPlace < placeCount && (*m_cuts.places)[m_nextPlace] < at) {
+                    ++m_nextPlace;
+                }
+                if (m_nextPlace < placeCount && (*m_cuts.places)[m_nextPlace] == at) {
+                    if ((*m_cuts.states)[m_nextPlace] == m_state) {
+                        endSegment(at);
+                        return {m_state, m_nextPlace};
+                    }
+                    cutAt(at);
+                } else if (at - m_position >= m_cuts.length) {
+                    cutAt(at);
+                }
+            }
             if (m_rest.at(0) != u'\\' || m_rest.at(1) != u'n') {
                 output(m_rest.nextPlainRun());
                 continue;
@@ -127,10 +152,29 @@ class Renderer {
         while (m_rest.size() > 0) {
             output(m_rest.nextPlainRun());
         }
-        return finish();
+        endSegment(m_rest.position());
+        return {m_state, placeCount};
     }
 
   private:
+    segments::Segment& segment() { return m_out.back(); }
+
+    void startSegment() {
+        m_out.emplace_back();
+        segment().entry = m_state;
+    }
+
+    void endSegment(std::size_t at) { segment().bodyLength = at - m_position; }
+
+    void cutAt(std::size_t at) {
+        if (at == m_position) {
+            return;
+        }
+        endSegment(at);
+        m_position = at;
+        startSegment();
+    }
+
     // Acts on the marker at the scan position. Returns false when the scan
     // simply moves on by one character.
     bool classify() {
@@ -168,17 +212,17 @@ class Renderer {
     void justify(Alignment alignment) {
         m_rest.drop(kLeftJustify.size());
         if (m_rest.size() > 0 && isParagraphSeparator(m_rest.at(0))) {
-            m_laterParagraphs = alignment;
+            m_state.laterParagraphs = alignment;
         } else {
-            m_currentParagraph = m_laterParagraphs = alignment;
+            m_state.currentParagraph = m_state.laterParagraphs = alignment;
         }
-        setLastSelection(m_out.text.size() + 1, true);
+        setLastSelection(true);
     }
 
     void insertBreak(std::size_t span, const Text& replacement) {
         m_rest.drop(span);
         m_rest.pushFront(replacement);
-        setLastSelection(m_out.text.size() + 1, false);
+        setLastSelection(false);
         output(m_rest.nextPlainRun());
     }
 
@@ -208,7 +252,7 @@ class Renderer {
         }
         m_rest.drop(end);
         m_rest.pushFront(shownColour(red, green, blue));
-        setLastSelection(m_out.text.size() + 1, false);
+        setLastSelection(false);
         output(m_rest.nextPlainRun());
     }
 
@@ -222,57 +266,121 @@ class Renderer {
     }
 
     void output(TextView run) {
+        segments::Segment& out = segment();
         for (char16_t c : run) {
             if (isParagraphSeparator(c)) {
-                m_out.paragraphs.push_back(m_currentParagraph);
-                m_currentParagraph = m_laterParagraphs;
+                out.paragraphs.push_back(m_state.currentParagraph);
+                m_state.currentParagraph = m_state.laterParagraphs;
             }
         }
-        m_out.text.append(run);
+        out.text.append(run);
     }
 
     void setColour(Rgb colour) {
-        const std::size_t at = m_out.text.size();
-        if (!m_out.colours.empty() && m_out.colours.back().start == at) {
-            m_out.colours.pop_back();
-        }
-        if (m_out.colours.empty() || m_out.colours.back().colour != CharColour(colour)) {
-            m_out.colours.push_back({at, colour});
-        }
+        segments::Segment& out = segment();
+        segments::addColourRun(out.colours, out.entry.colour, out.text.size(), colour);
+        m_state.colour = colour;
     }
 
-    void setLastSelection(std::size_t offset, bool toEnd) {
-        m_lastOffset = offset;
-        m_selectsToEnd = toEnd;
-    }
-
-    RenderedPreview finish() {
-        m_out.paragraphs.push_back(m_currentParagraph);
-        const std::size_t length = m_out.text.size();
-        if (m_out.colours.empty() || m_out.colours.front().start != 0) {
-            m_out.colours.insert(m_out.colours.begin(), ColourRun{0, CharColour{}});
-        }
-        // A colour set at the very end covers no character.
-        while (!m_out.colours.empty() && m_out.colours.back().start >= length) {
-            m_out.colours.pop_back();
-        }
-        m_out.caret = std::min(m_lastOffset, length);
-        m_out.selectionLength = m_selectsToEnd ? length - m_out.caret : 0;
-        return std::move(m_out);
+    // The caret goes just after the next character written.
+    void setLastSelection(bool toEnd) {
+        segment().selection = segments::Selection{segment().text.size() + 1, toEnd};
     }
 
     Unscanned m_rest;
-    RenderedPreview m_out;
-    Alignment m_currentParagraph = Alignment::Left;
-    Alignment m_laterParagraphs = Alignment::Left;
-    std::size_t m_lastOffset = 0;
-    bool m_selectsToEnd = false;
+    std::size_t m_position;  // where the current segment begins in the body
+    segments::ScanState m_state;
+    const segments::Cuts& m_cuts;
+    std::vector<segments::Segment>& m_out;
+    std::size_t m_nextPlace = 0;
 };
 
 }  // namespace
 
+namespace segments {
+
+ScanEnd scan(TextView body, std::size_t from, const ScanState& entry, const Cuts& cuts,
+             std::vector<Segment>& out) {
+    return Renderer(body, from, entry, cuts, out).run();
+}
+
+void addColourRun(std::vector<ColourRun>& runs, const CharColour& before, std::size_t at,
+                  const CharColour& colour) {
+    if (!runs.empty() && runs.back().start == at) {
+        runs.pop_back();
+    }
+    const CharColour& current = runs.empty() ? before : runs.back().colour;
+    if (current != colour) {
+        runs.push_back({at, colour});
+    }
+}
+
+namespace {
+
+template <typename Parts>
+RenderedPreview assembleParts(Parts&& parts, const ScanState& last) {
+    RenderedPreview out;
+    if (parts.size() == 1) {
+        out.text = std::move(parts.front().text);
+    } else {
+        std::size_t length = 0;
+        for (const Segment& part : parts) {
+            length += part.text.size();
+        }
+        out.text.reserve(length);
+    }
+    std::optional<std::size_t> caret;
+    bool toEnd = false;
+    std::size_t base = 0;
+    CharColour colour;
+    for (const Segment& part : parts) {
+        for (const ColourRun& run : part.colours) {
+            addColourRun(out.colours, colour, base + run.start, run.colour);
+        }
+        if (!part.colours.empty()) {
+            colour = part.colours.back().colour;
+        }
+        out.paragraphs.insert(out.paragraphs.end(), part.paragraphs.begin(),
+                              part.paragraphs.end());
+        if (part.selection) {
+            caret = base + part.selection->offset;
+            toEnd = part.selection->toEnd;
+        }
+        if (parts.size() != 1) {
+            out.text.append(part.text);
+        }
+        base = out.text.size();
+    }
+    out.paragraphs.push_back(last.currentParagraph);
+    const std::size_t length = out.text.size();
+    if (out.colours.empty() || out.colours.front().start != 0) {
+        out.colours.insert(out.colours.begin(), ColourRun{0, CharColour{}});
+    }
+    // A colour set at the very end covers no character.
+    while (!out.colours.empty() && out.colours.back().start >= length) {
+        out.colours.pop_back();
+    }
+    out.caret = std::min(caret.value_or(0), length);
+    out.selectionLength = toEnd ? length - out.caret : 0;
+    return out;
+}
+
+}  // namespace
+
+RenderedPreview assemble(std::vector<Segment>&& parts, const ScanState& last) {
+    return assembleParts(std::move(parts), last);
+}
+
+RenderedPreview assemble(const std::vector<Segment>& parts, const ScanState& last) {
+    return assembleParts(parts, last);
+}
+
+}  // namespace segments
+
 RenderedPreview renderPreview(TextView body) {
-    return Renderer(body).run();
+    std::vector<segments::Segment> parts;
+    const segments::ScanEnd end = segments::scan(body, 0, {}, {}, parts);
+    return segments::assemble(std::move(parts), end.state);
 }
 
 }  // namespace lorekeep::markup
