@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <optional>
 
 #include "editor/text_edits.hpp"
+#include "markup/incremental_renderer.hpp"
 #include "markup/preview.hpp"
 #include "markup/text.hpp"
 
@@ -15,6 +18,13 @@ class MessageBox {
   public:
     virtual ~MessageBox() = default;
     virtual void showMessage(TextView text, TextView title) = 0;
+};
+
+// `removed` characters from `start` gave way to `inserted`.
+struct TextChange {
+    std::size_t start = 0;
+    std::size_t removed = 0;
+    Text inserted;
 };
 
 // A multi-line rich-text box as the commands use it: plain text only.
@@ -41,6 +51,10 @@ class EditorBox {
     // A position beyond the end puts the caret at the end.
     virtual void setCaretPosition(std::size_t position) = 0;
     virtual void giveFocus() = 0;
+
+    // The one change since the last call, or nothing when the box cannot
+    // tell (then the whole text may differ).
+    virtual std::optional<TextChange> takeChange() { return std::nullopt; }
 };
 
 // A preview pane: shows a rendered body, its colours and alignments.
@@ -48,6 +62,13 @@ class PreviewPane {
   public:
     virtual ~PreviewPane() = default;
     virtual void showPreview(const markup::RenderedPreview& preview) = 0;
+    // Changes what the pane shows by `patch`; a pane that cannot (it no
+    // longer shows the preview the patch was made against) shows `whole()`.
+    virtual void showPreviewChange(const markup::PreviewPatch& patch,
+                                   const std::function<markup::RenderedPreview()>& whole) {
+        static_cast<void>(patch);
+        showPreview(whole());
+    }
 };
 
 // A single-line text box.

@@ -24,8 +24,21 @@ void SchemaEditor::textChanged(int box) {
     if (box < 0 || box >= kPreviewIndexOffset) {
         return;
     }
-    m_controls.previewPanes[box]->showPreview(
-        markup::renderPreview(m_controls.richTextBoxes[box]->plainText()));
+    EditorBox& editor = *m_controls.richTextBoxes[box];
+    PreviewPane& pane = *m_controls.previewPanes[box];
+    markup::IncrementalRenderer& preview = m_previews[box];
+    // A change the box can name renders only around itself; anything else
+    // renders the whole text again.
+    const std::optional<TextChange> change = editor.takeChange();
+    if (change && m_previewInStep[box] && change->start <= preview.body().size() &&
+        change->removed <= preview.body().size() - change->start) {
+        pane.showPreviewChange(preview.replace(change->start, change->removed, change->inserted),
+                               [&preview] { return preview.preview(); });
+        return;
+    }
+    preview.reset(editor.plainText());
+    m_previewInStep[box] = true;
+    pane.showPreview(preview.preview());
 }
 
 void SchemaEditor::characterTyped(int box, int& code) {

@@ -4,6 +4,7 @@
 
 #include "editor/controls.hpp"
 #include "editor/text_edits.hpp"
+#include "markup/incremental_renderer.hpp"
 #include "schema/date_stamp.hpp"
 #include "schema/schema_reader.hpp"
 
@@ -117,6 +118,9 @@ class SchemaEditor {
 
     WindowControls m_controls;
     std::array<MarkerState, kLanguageCount> m_state{};
+    // Each editor's text and its preview, kept in step change by change.
+    std::array<markup::IncrementalRenderer, kLanguageCount> m_previews{};
+    std::array<bool, kLanguageCount> m_previewInStep{};
 };
 
 }  // namespace lorekeep::editor

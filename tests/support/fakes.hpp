@@ -6,6 +6,7 @@
 
 #include "editor/schema_editor.hpp"
 #include "schema/schema_document.hpp"
+#include "support/preview_patch.hpp"
 
 // The window's controls held in memory, wired to the window's behaviour as
 // the real window is.
@@ -39,6 +40,9 @@ struct CountingClock final : Clock {
 struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     Text plainText() const override { return text; }
     void replaceRange(std::size_t start, std::size_t length, TextView value) override {
+        // Two changes before one is taken: the box can no longer tell.
+        changeKnown = !change;
+        change = editor::TextChange{start, length, Text(value)};
         text.replace(start, length, value);
         caret = std::min(caret, text.size());
         ++replacements;
@@ -50,7 +54,24 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     std::size_t caretPosition() const override { return caret; }
     void setCaretPosition(std::size_t at) override { caret = std::min(at, text.size()); }
     void giveFocus() override { focused = true; }
+    std::optional<editor::TextChange> takeChange() override {
+        std::optional<editor::TextChange> taken = changeKnown ? change.value_or(editor::TextChange{})
+                                                              : std::optional<editor::TextChange>{};
+        change.reset();
+        changeKnown = true;
+        return taken;
+    }
     void showPreview(const markup::RenderedPreview& value) override { preview = value; }
+    // Patched as a real pane is, so that the commands' tests check the
+    // patches too.
+    void showPreviewChange(const markup::PreviewPatch& patch,
+                           const std::function<markup::RenderedPreview()>& whole) override {
+        if (!preview) {
+            preview = whole();
+        } else {
+            testing::applyPatch(*preview, patch);
+        }
+    }
 
     Text text;
     std::size_t caret = 0;
@@ -58,6 +79,8 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     int replacements = 0;
     int beeps = 0;
     std::optional<markup::RenderedPreview> preview;  // what the pane last showed
+    std::optional<editor::TextChange> change;        // not yet taken
+    bool changeKnown = true;
     std::function<void()> onChange;
 };
 
