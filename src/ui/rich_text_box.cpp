@@ -1,10 +1,15 @@
 #include "ui/rich_text_box.hpp"
 
+#include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QPainter>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextLayout>
+#include <memory>
 
 #include "editor/schema_editor.hpp"
 #include "ui/qt_text.hpp"
@@ -13,9 +18,36 @@ namespace lorekeep::ui {
 
 namespace {
 
-// A block remembers which character ended the block before it, so that the
-// text reads back exactly: CR for a rendered break, LF otherwise.
-constexpr int kEndedByCarriageReturn = 13;
+// The character format property of a block end that holds the character it
+// stands for. It travels with the block end itself: removing text around it,
+// undo and redo keep it right, where a block's own state or format may be
+// taken over by a neighbour when blocks merge.
+constexpr int kEndedBy = QTextFormat::UserProperty;
+// A stretch without a line break this long is cut into blocks at a space;
+// one twice as long without a space is cut wherever it may be.
+constexpr std::size_t kBlockLength = 1024;
+
+// What the block end in front of `block` stands for.
+char16_t endedBy(const QTextBlock& block) {
+    const QVariant value = block.charFormat().property(kEndedBy);
+    return value.isValid() ? static_cast<char16_t>(value.toInt()) : u'\n';
+}
+
+// Characters that the toolkit itself turns into block ends when inserted.
+bool endsBlock(char16_t c) {
+    return markup::isParagraphSeparator(c) || c == QChar::ParagraphSeparator ||
+           c == u'\xfdd0' || c == u'\xfdd1';  // the frame marks
+}
+
+bool isBlank(char16_t c) {
+    return c == u' ' || c == u'\t';
+}
+
+// A character that may stand at a block end when there is no space to use:
+// not half of a surrogate pair, not a mark that belongs to the one before.
+bool mayEndBlock(char16_t c) {
+    return !QChar::isSurrogate(c) && !QChar(c).isMark();
+}
 
 Qt::Alignment toQt(markup::Alignment alignment) {
     switch (alignment) {
@@ -37,23 +69,76 @@ QTextCharFormat colourFormat(const markup::CharColour& colour) {
     return format;
 }
 
-// Inserts text at the cursor, one paragraph end per separator character;
-// which character ended each block is the caller's to record.
-void insertWithSeparators(QTextCursor& cursor, TextView text, const QTextCharFormat& format) {
-    std::size_t start = 0;
-    for (std::size_t k = 0; k <= text.size(); ++k) {
-        if (k < text.size() && !markup::isParagraphSeparator(text[k])) {
-            continue;
+// Writes text at a cursor, block by block: every line break ends a block,
+// and so does a space (or another character) in a long stretch without one.
+// A new paragraph's block takes the next of `alignments`, if given.
+class BlockWriter {
+  public:
+    BlockWriter(QTextCursor& cursor, const std::vector<markup::Alignment>* alignments = nullptr,
+                std::size_t paragraph = 0)
+        : m_cursor(cursor),
+          m_alignments(alignments),
+          m_paragraph(paragraph),
+          m_sinceBlockEnd(static_cast<std::size_t>(cursor.positionInBlock())) {}
+
+    void write(TextView text, const QTextCharFormat& format) {
+        std::size_t start = 0;
+        for (std::size_t k = 0; k < text.size(); ++k) {
+            const char16_t c = text[k];
+            if (!endsBlock(c) &&
+                !(m_sinceBlockEnd >= kBlockLength && isBlank(c)) &&
+                !(m_sinceBlockEnd >= 2 * kBlockLength && mayEndBlock(c))) {
+                ++m_sinceBlockEnd;
+                continue;
+            }
+            if (k > start) {
+                m_cursor.insertText(toQString(text.substr(start, k - start)), format);
+            }
+            endBlock(c, format);
+            start = k + 1;
         }
-        if (k > start) {
-            cursor.insertText(toQString(text.substr(start, k - start)), format);
+        if (text.size() > start) {
+            m_cursor.insertText(toQString(text.substr(start)), format);
         }
-        if (k < text.size()) {
-            const QTextBlockFormat blockFormat = cursor.blockFormat();
-            cursor.insertBlock(blockFormat, format);
-        }
-        start = k + 1;
     }
+
+    // A block end stands for a character that is neither blank nor a break.
+    bool drawsBlockEnds() const { return m_drawsBlockEnds; }
+    std::size_t paragraph() const { return m_paragraph; }
+
+  private:
+    void endBlock(char16_t c, const QTextCharFormat& format) {
+        QTextBlockFormat blockFormat = m_cursor.blockFormat();
+        if (markup::isParagraphSeparator(c)) {
+            ++m_paragraph;
+        } else if (!endsBlock(c) && !isBlank(c)) {
+            m_drawsBlockEnds = true;
+        }
+        if (m_alignments != nullptr && m_paragraph < m_alignments->size()) {
+            blockFormat.setAlignment(toQt((*m_alignments)[m_paragraph]));
+        }
+        QTextCharFormat end = format;
+        end.setProperty(kEndedBy, static_cast<int>(c));
+        m_cursor.insertBlock(blockFormat, end);
+        m_sinceBlockEnd = 0;
+    }
+
+    QTextCursor& m_cursor;
+    const std::vector<markup::Alignment>* m_alignments;
+    std::size_t m_paragraph;
+    std::size_t m_sinceBlockEnd;
+    bool m_drawsBlockEnds = false;
+};
+
+// Gives a block an alignment; false if it had it already.
+bool align(const QTextBlock& block, Qt::Alignment alignment) {
+    if ((block.blockFormat().alignment() & Qt::AlignHorizontal_Mask) == alignment) {
+        return false;
+    }
+    QTextBlockFormat format = block.blockFormat();
+    format.setAlignment(alignment);
+    QTextCursor(block).setBlockFormat(format);
+    return true;
 }
 
 }  // namespace
@@ -62,6 +147,7 @@ RichTextBox::RichTextBox(QWidget* parent) : QTextEdit(parent) {
     setAcceptRichText(false);
     setTabChangesFocus(true);
     setLineWrapMode(QTextEdit::WidgetWidth);
+    connect(document(), &QTextDocument::contentsChange, this, &RichTextBox::documentChanged);
 }
 
 std::size_t RichTextBox::length() const {
@@ -73,17 +159,63 @@ std::size_t RichTextBox::selectionLength() const {
 }
 
 Text RichTextBox::plainText() const {
+    return textBetween(0, length());
+}
+
+Text RichTextBox::textBetween(std::size_t start, std::size_t end) const {
     Text text;
-    text.reserve(length());
-    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
-        if (block != document()->begin()) {
-            text.push_back(block.userState() == kEndedByCarriageReturn ? u'\r' : u'\n');
-        }
+    text.reserve(end - start);
+    for (QTextBlock block = document()->findBlock(static_cast<int>(start));
+         block.isValid() && static_cast<std::size_t>(block.position()) < end;
+         block = block.next()) {
+        const auto position = static_cast<std::size_t>(block.position());
         const QString piece = block.text();
-        text.append(reinterpret_cast<const char16_t*>(piece.utf16()),
-                    static_cast<std::size_t>(piece.size()));
+        const auto pieceEnd = position + static_cast<std::size_t>(piece.size());
+        const std::size_t from = std::max(start, position) - position;
+        const std::size_t to = std::min(end, pieceEnd) - position;
+        if (to > from) {
+            text.append(reinterpret_cast<const char16_t*>(piece.utf16()) + from, to - from);
+        }
+        if (pieceEnd >= start && pieceEnd < end && block.next().isValid()) {
+            text.push_back(endedBy(block.next()));
+        }
     }
     return text;
+}
+
+void RichTextBox::documentChanged(int position, int removed, int added) {
+    const std::size_t before = m_lastLength;
+    m_lastLength = length();
+    if (m_showingPreview) {
+        return;
+    }
+    m_previewStale = true;
+    // The toolkit counts the document's closing block end in some changes;
+    // the text itself never holds it.
+    const auto start = static_cast<std::size_t>(position);
+    const std::size_t gone = std::min(static_cast<std::size_t>(removed), before - std::min(before, start));
+    const std::size_t kept = before - gone;
+    if (m_pending != Pending::Nothing || start > before || m_lastLength < kept ||
+        m_lastLength - kept > static_cast<std::size_t>(added)) {
+        m_pending = Pending::Unknown;
+        return;
+    }
+    m_pending = Pending::One;
+    m_changeStart = start;
+    m_changeRemoved = gone;
+    m_changeAdded = m_lastLength - kept;
+}
+
+std::optional<editor::TextChange> RichTextBox::takeChange() {
+    const Pending pending = std::exchange(m_pending, Pending::Nothing);
+    if (pending == Pending::Unknown) {
+        return std::nullopt;
+    }
+    if (pending == Pending::Nothing) {
+        return editor::TextChange{};
+    }
+    return editor::TextChange{m_changeStart, m_changeRemoved,
+                              textBetween(m_changeStart, m_changeStart + m_changeAdded)};
 }
 
 void RichTextBox::replaceRange(std::size_t start, std::size_t length, TextView text) {
@@ -92,24 +224,17 @@ void RichTextBox::replaceRange(std::size_t start, std::size_t length, TextView t
         emit textChanged();
         return;
     }
-    // One edit block: one undo step and one text-changed notification.
+    // One edit block: one undo step and one text-changed notification. The
+    // block that holds `start` keeps its own start's character; each new
+    // block records its own.
     QTextCursor cursor(document());
     cursor.beginEditBlock();
-    // Which block survives a removal across a paragraph end is the toolkit's
-    // choice: the blocks from `start` on get back what ended the one before.
-    const int ended = document()->findBlock(static_cast<int>(start)).userState();
     cursor.setPosition(static_cast<int>(start));
     cursor.setPosition(static_cast<int>(start + length), QTextCursor::KeepAnchor);
     cursor.removeSelectedText();
-    insertWithSeparators(cursor, text, QTextCharFormat());
-    QTextBlock block = document()->findBlock(static_cast<int>(start));
-    block.setUserState(ended);
-    for (const char16_t c : text) {
-        if (markup::isParagraphSeparator(c)) {
-            block = block.next();
-            block.setUserState(c == u'\r' ? kEndedByCarriageReturn : -1);
-        }
-    }
+    BlockWriter writer(cursor);
+    writer.write(text, QTextCharFormat());
+    m_drawsBlockEnds = m_drawsBlockEnds || writer.drawsBlockEnds();
     cursor.endEditBlock();
 }
 
@@ -143,57 +268,106 @@ void RichTextBox::selectToEnd(std::size_t offset) {
 
 void RichTextBox::showPreview(const markup::RenderedPreview& preview) {
     // Built in one pass: each paragraph with its alignment, each stretch of
-    // one colour inserted once.
+    // one colour written once.
     QTextDocument* doc = document();
     const bool undo = doc->isUndoRedoEnabled();
     doc->setUndoRedoEnabled(false);
+    m_showingPreview = true;
     QTextCursor cursor(doc);
     cursor.beginEditBlock();
     cursor.select(QTextCursor::Document);
     cursor.removeSelectedText();
-
-    const TextView text = preview.text;
-    std::size_t run = 0;
-    std::size_t paragraph = 0;
     QTextBlockFormat blockFormat;
     blockFormat.setAlignment(
         toQt(preview.paragraphs.empty() ? markup::Alignment::Left : preview.paragraphs[0]));
     cursor.setBlockFormat(blockFormat);
-    cursor.block().setUserState(-1);
-    std::size_t start = 0;
-    while (start < text.size()) {
-        while (run + 1 < preview.colours.size() && preview.colours[run + 1].start <= start) {
-            ++run;
-        }
-        const std::size_t runEnd =
+    BlockWriter writer(cursor, &preview.paragraphs);
+    const TextView text = preview.text;
+    for (std::size_t run = 0; run < preview.colours.size(); ++run) {
+        const std::size_t start = preview.colours[run].start;
+        const std::size_t end =
             run + 1 < preview.colours.size() ? preview.colours[run + 1].start : text.size();
-        const QTextCharFormat format = colourFormat(
-            run < preview.colours.size() ? preview.colours[run].colour : markup::CharColour{});
-        std::size_t end = start;
-        while (end < runEnd && !markup::isParagraphSeparator(text[end])) {
-            ++end;
+        writer.write(text.substr(start, end - start), colourFormat(preview.colours[run].colour));
+    }
+    m_drawsBlockEnds = writer.drawsBlockEnds();
+    cursor.endEditBlock();
+    doc->setUndoRedoEnabled(undo);
+    m_showingPreview = false;
+    m_previewStale = false;
+    showSelection(preview.caret, preview.selectionLength);
+}
+
+void RichTextBox::showPreviewChange(const markup::PreviewPatch& patch,
+                                    const std::function<markup::RenderedPreview()>& whole) {
+    if (m_previewStale || patch.start + patch.removed > length()) {
+        showPreview(whole());
+        return;
+    }
+    QTextDocument* doc = document();
+    const bool undo = doc->isUndoRedoEnabled();
+    doc->setUndoRedoEnabled(false);
+    m_showingPreview = true;
+    QTextCursor cursor(doc);
+    cursor.beginEditBlock();
+    cursor.setPosition(static_cast<int>(patch.start));
+    cursor.setPosition(static_cast<int>(patch.start + patch.removed), QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
+    const std::size_t first = patch.startParagraph - patch.firstParagraph;
+    BlockWriter writer(cursor, &patch.paragraphs, first);
+    const TextView text = patch.text;
+    for (std::size_t run = 0; run < patch.colours.size(); ++run) {
+        const std::size_t start = patch.colours[run].start;
+        const std::size_t end =
+            run + 1 < patch.colours.size() ? patch.colours[run + 1].start : text.size();
+        writer.write(text.substr(start, end - start), colourFormat(patch.colours[run].colour));
+    }
+    m_drawsBlockEnds = m_drawsBlockEnds || writer.drawsBlockEnds();
+
+    // The blocks that were there before take their paragraphs' alignments:
+    // back from the change through the paragraphs it names, and on from its
+    // end. The first and the last paragraph named may reach far beyond the
+    // change; their blocks there share one alignment, so the walk stops at
+    // the first that has it already.
+    const auto wanted = [&patch](std::size_t paragraph) {
+        return toQt(patch.paragraphs[std::min(paragraph, patch.paragraphs.size() - 1)]);
+    };
+    if (!patch.paragraphs.empty()) {
+        std::size_t paragraph = first;
+        for (QTextBlock block = doc->findBlock(static_cast<int>(patch.start)); block.isValid();
+             block = block.previous()) {
+            if (!align(block, wanted(paragraph)) && paragraph == 0) {
+                break;
+            }
+            if (markup::isParagraphSeparator(endedBy(block)) && block != doc->begin()) {
+                if (paragraph == 0) {
+                    break;
+                }
+                --paragraph;
+            }
         }
-        if (end > start) {
-            cursor.insertText(toQString(text.substr(start, end - start)), format);
+        paragraph = writer.paragraph();
+        for (QTextBlock block = cursor.block(); block.isValid() && paragraph < patch.paragraphs.size();
+             block = block.next()) {
+            if (!align(block, wanted(paragraph)) && paragraph + 1 == patch.paragraphs.size() &&
+                block != cursor.block()) {
+                break;
+            }
+            if (block.next().isValid() && markup::isParagraphSeparator(endedBy(block.next()))) {
+                ++paragraph;
+            }
         }
-        if (end < runEnd) {  // a paragraph ends here
-            ++paragraph;
-            blockFormat.setAlignment(toQt(paragraph < preview.paragraphs.size()
-                                              ? preview.paragraphs[paragraph]
-                                              : markup::Alignment::Left));
-            cursor.insertBlock(blockFormat, format);
-            cursor.block().setUserState(text[end] == u'\r' ? kEndedByCarriageReturn : -1);
-            ++end;
-        }
-        start = end;
     }
     cursor.endEditBlock();
     doc->setUndoRedoEnabled(undo);
+    m_showingPreview = false;
+    showSelection(patch.caret, patch.selectionLength);
+}
 
-    if (preview.selectionLength > 0) {
-        selectToEnd(preview.caret);
+void RichTextBox::showSelection(std::size_t caret, std::size_t selectionLength) {
+    if (selectionLength > 0) {
+        selectToEnd(caret);
     } else {
-        setCaretPosition(preview.caret);
+        setCaretPosition(caret);
     }
 }
 
@@ -207,9 +381,12 @@ QColor RichTextBox::characterColour(std::size_t position) const {
 }
 
 markup::Alignment RichTextBox::paragraphAlignment(int paragraph) const {
-    const Qt::Alignment alignment =
-        document()->findBlockByNumber(paragraph).blockFormat().alignment() &
-        Qt::AlignHorizontal_Mask;
+    QTextBlock block = document()->begin();
+    for (int p = 0; p < paragraph && block.isValid();) {
+        block = block.next();
+        p += block.isValid() && markup::isParagraphSeparator(endedBy(block)) ? 1 : 0;
+    }
+    const Qt::Alignment alignment = block.blockFormat().alignment() & Qt::AlignHorizontal_Mask;
     if (alignment & Qt::AlignRight) {
         return markup::Alignment::Right;
     }
@@ -220,13 +397,86 @@ markup::Alignment RichTextBox::paragraphAlignment(int paragraph) const {
 }
 
 void RichTextBox::insertFromMimeData(const QMimeData* source) {
-    if (source != nullptr && source->hasText() &&
-        length() - selectionLength() + static_cast<std::size_t>(source->text().size()) >
-            editor::kMaxBodyLength) {
+    if (source == nullptr || !source->hasText()) {
+        return;
+    }
+    // Pasted line breaks arrive as the toolkit's own paste would make them:
+    // each CR LF, CR or LF one line feed.
+    QString pasted = source->text();
+    pasted.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    pasted.replace(u'\r', u'\n');
+    pasted.replace(QChar::ParagraphSeparator, u'\n');
+    if (length() - selectionLength() + static_cast<std::size_t>(pasted.size()) >
+        editor::kMaxBodyLength) {
         beep();
         return;
     }
-    QTextEdit::insertFromMimeData(source);
+    replaceSelection(fromQString(pasted));
+}
+
+void RichTextBox::replaceSelection(TextView text) {
+    const QTextCursor selection = textCursor();
+    const auto start = static_cast<std::size_t>(selection.selectionStart());
+    replaceRange(start, selectionLength(), text);
+    setCaretPosition(start + text.size());
+    ensureCursorVisible();
+}
+
+QMimeData* RichTextBox::createMimeDataFromSelection() const {
+    // The toolkit's own copy would make every block end a line feed; its
+    // formatted copy is kept beside the exact text.
+    const std::unique_ptr<QMimeData> formatted(QTextEdit::createMimeDataFromSelection());
+    auto* mime = new QMimeData;
+    mime->setHtml(formatted->html());
+    const QTextCursor selection = textCursor();
+    mime->setText(toQString(textBetween(static_cast<std::size_t>(selection.selectionStart()),
+                                        static_cast<std::size_t>(selection.selectionEnd()))));
+    return mime;
+}
+
+void RichTextBox::paintEvent(QPaintEvent* event) {
+    QTextEdit::paintEvent(event);
+    if (!m_drawsBlockEnds) {
+        return;
+    }
+    // A block end that stands for a visible character shows it at the end
+    // of the block's last line, where it stands in the text.
+    QPainter painter(viewport());
+    const QPointF scrolled(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
+    const QTextCursor selection = textCursor();
+    const int bottom = viewport()->height();
+    for (QTextBlock block = cursorForPosition(QPoint(0, 0)).block(); block.isValid();
+         block = block.next()) {
+        const QTextLayout* lines = block.layout();
+        const QPointF origin = lines->position() + scrolled;
+        if (origin.y() > bottom) {
+            break;
+        }
+        const QTextBlock next = block.next();
+        const char16_t c = next.isValid() ? endedBy(next) : u' ';
+        if (endsBlock(c) || isBlank(c) || lines->lineCount() == 0) {
+            continue;
+        }
+        const int at = block.position() + block.length() - 1;
+        QTextCursor probe(document());
+        probe.setPosition(at);
+        probe.setPosition(at + 1, QTextCursor::KeepAnchor);
+        const QTextCharFormat format = probe.charFormat();
+        const QFont font = format.font().resolve(document()->defaultFont());
+        const QTextLine line = lines->lineAt(lines->lineCount() - 1);
+        const QString shown(QChar{c});
+        const QRectF cell(origin.x() + line.cursorToX(block.length() - 1), origin.y() + line.y(),
+                          QFontMetricsF(font).horizontalAdvance(shown), line.height());
+        QColor pen = format.hasProperty(QTextFormat::ForegroundBrush) ? format.foreground().color()
+                                                                       : palette().text().color();
+        if (selection.selectionStart() <= at && at < selection.selectionEnd()) {
+            painter.fillRect(cell, palette().highlight());
+            pen = palette().highlightedText().color();
+        }
+        painter.setFont(font);
+        painter.setPen(pen);
+        painter.drawText(QPointF(cell.left(), cell.top() + line.ascent()), shown);
+    }
 }
 
 void RichTextBox::keyPressEvent(QKeyEvent* event) {
@@ -243,6 +493,12 @@ void RichTextBox::keyPressEvent(QKeyEvent* event) {
     // held with it; other characters typed with Ctrl or Alt are shortcuts.
     const bool enter = isCharacter && typed[0] == u'\r';
     const bool shortcut = event->modifiers() & (Qt::ControlModifier | Qt::AltModifier);
+    if (enter && !onCharacterTyped) {
+        // A pane's Enter ends a paragraph as a pasted line feed would.
+        replaceSelection(u"\n");
+        event->accept();
+        return;
+    }
     if (!isCharacter || !onCharacterTyped || (shortcut && !enter)) {
         QTextEdit::keyPressEvent(event);
         return;

@@ -2,6 +2,7 @@
 
 #include <QTextEdit>
 #include <functional>
+#include <optional>
 
 #include "editor/controls.hpp"
 
@@ -11,9 +12,14 @@ namespace lorekeep::ui {
 // pane. It holds plain text only (pasting drops formatting); a preview pane
 // also carries the colours and paragraph alignments that the renderer gives it.
 //
-// Every character of the core's text is one position of the document: a
-// line-break character (CR) or a line feed becomes a paragraph end and reads
-// back as the character it was.
+// Every character of the core's text is one position of the document, so
+// that positions need no translation. A line-break character (CR) or a line
+// feed becomes a block end; so does a space now and then in a long stretch
+// without one (or, in a stretch without spaces, some other character, which
+// the box then draws itself), because the toolkit lays out a block as a whole
+// and would take time in proportion to the whole body on every keystroke.
+// Each block records which character ended the one before it, and reads back
+// as that character.
 class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::PreviewPane {
     Q_OBJECT
 
@@ -31,9 +37,13 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
     std::size_t caretPosition() const override;
     void setCaretPosition(std::size_t position) override;
     void giveFocus() override;
+    std::optional<editor::TextChange> takeChange() override;
 
-    // editor::PreviewPane: the document built in one pass.
+    // editor::PreviewPane: the document built in one pass, or changed only
+    // where the preview changed.
     void showPreview(const markup::RenderedPreview& preview) override;
+    void showPreviewChange(const markup::PreviewPatch& patch,
+                           const std::function<markup::RenderedPreview()>& whole) override;
 
     // The colour of the character at a position; invalid for the default colour.
     QColor characterColour(std::size_t position) const;
@@ -41,14 +51,35 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     // Plain text only, and never more than the box can lay out.
     void insertFromMimeData(const QMimeData* source) override;
+    // The characters exactly as the text holds them.
+    QMimeData* createMimeDataFromSelection() const override;
 
   private:
     std::size_t length() const;
     std::size_t selectionLength() const;
+    Text textBetween(std::size_t start, std::size_t end) const;
     // The anchor at the end and the caret at `offset`.
     void selectToEnd(std::size_t offset);
+    void showSelection(std::size_t caret, std::size_t selectionLength);
+    // Replaces the selection as typing would, as one edit, caret behind.
+    void replaceSelection(TextView text);
+    void documentChanged(int position, int removed, int added);
+
+    // The change not yet taken: none, one, or more than one (unknown).
+    enum class Pending { Nothing, One, Unknown };
+    Pending m_pending = Pending::Nothing;
+    std::size_t m_changeStart = 0;
+    std::size_t m_changeRemoved = 0;
+    std::size_t m_changeAdded = 0;
+    std::size_t m_lastLength = 0;
+    // The pane's text was changed by something other than a preview.
+    bool m_previewStale = false;
+    bool m_showingPreview = false;
+    // Some block end stands for a character that must be drawn.
+    bool m_drawsBlockEnds = false;
 };
 
 }  // namespace lorekeep::ui

@@ -1,0 +1,169 @@
+#include <QClipboard>
+#include <QMimeData>
+#include <QTextBlock>
+#include <QtTest>
+#include <random>
+
+#include "markup/renderer.hpp"
+#include "support/marker_soup.hpp"
+#include "ui/main_window.hpp"
+#include "ui/qt_text.hpp"
+
+using namespace lorekeep;
+using namespace lorekeep::ui;
+
+// Long bodies in the real widgets: the editor cuts them into blocks that read
+// back exactly, and the preview, changed only where it changes, always shows
+// what a full render of the editor's text gives.
+class LongBodyTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<MainWindow> m_window;
+
+    // The pane against a full render of the editor: characters, colour of
+    // each, alignment of each paragraph, caret and selection.
+    static bool paneInStep(const RichTextBox* editor, const RichTextBox* pane) {
+        const markup::RenderedPreview model = markup::renderPreview(editor->plainText());
+        if (pane->plainText() != model.text || pane->caretPosition() != model.caret ||
+            static_cast<std::size_t>(pane->textCursor().selectionEnd() -
+                                     pane->textCursor().selectionStart()) !=
+                model.selectionLength) {
+            return false;
+        }
+        for (std::size_t run = 0, k = 0; run < model.colours.size(); ++run) {
+            const auto& c = model.colours[run].colour;
+            const QColor expected = c ? QColor(c->red, c->green, c->blue) : QColor();
+            const std::size_t end =
+                run + 1 < model.colours.size() ? model.colours[run + 1].start : model.text.size();
+            for (; k < end; ++k) {
+                if (!markup::isParagraphSeparator(model.text[k]) &&
+                    pane->characterColour(k) != expected) {
+                    return false;
+                }
+            }
+        }
+        for (std::size_t p = 0; p < model.paragraphs.size(); ++p) {
+            if (pane->paragraphAlignment(static_cast<int>(p)) != model.paragraphs[p]) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+  private slots:
+    void init() {
+        m_window = std::make_unique<MainWindow>();
+        m_window->show();
+    }
+
+    // Random keys on a long marked-up body: typing, Backspace and Delete at
+    // random places, selections typed over, pastes, undo and redo. After each,
+    // inside the same event, the pane equals a full render.
+    void everyKeystrokeLeavesThePreviewInStep() {
+        RichTextBox* editor = m_window->richTextBox(1);
+        const RichTextBox* pane = m_window->richTextBox(5);
+        testing::MarkerSoup soup(11);
+        std::mt19937 random(11);
+        Text body = soup.next(6000) + soup.next(6000);
+        editor->replaceText(body);
+        QVERIFY(paneInStep(editor, pane));
+        // Typing into the pane itself leaves it out of step until the editor changes.
+        QTest::keyClicks(m_window->richTextBox(5), "typed into the pane");
+        editor->setFocus();
+        const QString typed = QStringLiteral("\\n<jcrdp=>,0 x");
+        for (int step = 0; step < 400; ++step) {
+            const std::size_t length = editor->plainText().size();
+            const std::size_t at = random() % (length + 1);
+            QTextCursor cursor = editor->textCursor();
+            cursor.setPosition(static_cast<int>(at));
+            if (random() % 6 == 0) {  // a short selection
+                cursor.setPosition(static_cast<int>(std::min(length, at + random() % 40)),
+                                   QTextCursor::KeepAnchor);
+            }
+            editor->setTextCursor(cursor);
+            const Text before = editor->plainText();
+            const std::size_t start = static_cast<std::size_t>(cursor.selectionStart());
+            const std::size_t selected = static_cast<std::size_t>(cursor.selectionEnd()) - start;
+            Text expected = before;
+            switch (random() % 8) {
+                case 0:
+                case 1:
+                case 2: {
+                    const QChar c = typed[static_cast<qsizetype>(random() % typed.size())];
+                    QTest::keyClick(editor, c.toLatin1());
+                    expected.replace(start, selected, Text(1, c.unicode()));
+                    break;
+                }
+                case 3:
+                    QTest::keyClick(editor, Qt::Key_Backspace);
+                    if (selected > 0) {
+                        expected.erase(start, selected);
+                    } else if (start > 0) {
+                        expected.erase(start - 1, 1);
+                    }
+                    break;
+                case 4:
+                    QTest::keyClick(editor, Qt::Key_Delete);
+                    expected.erase(start, selected > 0 ? selected : 1);
+                    break;
+                case 5: {
+                    const QString piece = toQString(soup.piece() + u"\r\n" + soup.piece());
+                    auto* mime = new QMimeData;
+                    mime->setText(piece);
+                    QApplication::clipboard()->setMimeData(mime);
+                    QTest::keyClick(editor, Qt::Key_V, Qt::ControlModifier);
+                    // A paste makes each line break a line feed.
+                    expected.replace(start, selected,
+                                     fromQString(QString(piece)
+                                                     .replace(QStringLiteral("\r\n"), "\n")
+                                                     .replace(u'\r', u'\n')));
+                    break;
+                }
+                default:
+                    QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
+                    QVERIFY2(paneInStep(editor, pane), "after undo");
+                    QTest::keyClick(editor, Qt::Key_Y, Qt::ControlModifier);
+                    expected = editor->plainText();  // redo may have nothing to redo
+                    break;
+            }
+            QVERIFY2(editor->plainText() == expected, qPrintable(QString::number(step)));
+            QVERIFY2(paneInStep(editor, pane), qPrintable(QString::number(step)));
+        }
+    }
+
+    // Words, a stretch without a space and line breaks of both kinds: the
+    // editor holds them in blocks of bounded length, and reading back, copying
+    // and cutting across block ends and undoing give exactly the body.
+    void longStretchesReadBackExactly() {
+        RichTextBox* editor = m_window->richTextBox(0);
+        Text body;
+        for (int k = 0; k < 400; ++k) {
+            body += u"Lore of the keep ";
+        }
+        body += Text(5000, u'x') + u"\r\n" + Text(3000, u'\\') + u"\n\r" + u"é€ end";
+        editor->replaceText(body);
+        QVERIFY(editor->document()->blockCount() >= 8);
+        for (QTextBlock block = editor->document()->begin(); block.isValid();
+             block = block.next()) {
+            QVERIFY(block.length() <= 2049);
+        }
+        QCOMPARE(editor->plainText(), body);
+        editor->selectAll();
+        editor->copy();
+        QCOMPARE(QApplication::clipboard()->text(), toQString(body));
+        // A cut from inside one block to inside another, over many block ends.
+        QTextCursor cursor = editor->textCursor();
+        cursor.setPosition(1500);
+        cursor.setPosition(9000, QTextCursor::KeepAnchor);
+        editor->setTextCursor(cursor);
+        editor->cut();
+        QCOMPARE(QApplication::clipboard()->text(), toQString(body.substr(1500, 7500)));
+        QCOMPARE(editor->plainText(), body.substr(0, 1500) + body.substr(9000));
+        editor->undo();
+        QCOMPARE(editor->plainText(), body);
+        QCOMPARE(m_window->richTextBox(4)->plainText(), markup::renderPreview(body).text);
+    }
+};
+
+QTEST_MAIN(LongBodyTest)
+#include "long_body_test.moc"
