@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
@@ -23,9 +24,11 @@ namespace {
 // undo and redo keep it right, where a block's own state or format may be
 // taken over by a neighbour when blocks merge.
 constexpr int kEndedBy = QTextFormat::UserProperty;
-// A stretch without a line break this long is cut into blocks at a space;
-// one twice as long without a space is cut wherever it may be.
+// A stretch without a line break this long is cut into blocks at the next
+// space; where none comes soon, wherever it may be (the toolkit breaks lines
+// in a block without spaces in time that grows with the square of its length).
 constexpr std::size_t kBlockLength = 1024;
+constexpr std::size_t kSpaceReach = 64;
 
 // What the block end in front of `block` stands for.
 char16_t endedBy(const QTextBlock& block) {
@@ -87,7 +90,7 @@ class BlockWriter {
             const char16_t c = text[k];
             if (!endsBlock(c) &&
                 !(m_sinceBlockEnd >= kBlockLength && isBlank(c)) &&
-                !(m_sinceBlockEnd >= 2 * kBlockLength && mayEndBlock(c))) {
+                !(m_sinceBlockEnd >= kBlockLength + kSpaceReach && mayEndBlock(c))) {
                 ++m_sinceBlockEnd;
                 continue;
             }
@@ -267,16 +270,18 @@ void RichTextBox::selectToEnd(std::size_t offset) {
 }
 
 void RichTextBox::showPreview(const markup::RenderedPreview& preview) {
-    // Built in one pass: each paragraph with its alignment, each stretch of
-    // one colour written once.
-    QTextDocument* doc = document();
-    const bool undo = doc->isUndoRedoEnabled();
+    // Built in a document of its own, which no layout follows while it grows
+    // (a shown box's layout takes several times as long as the text itself
+    // for every block added), and then put in the old one's place.
+    QTextDocument* old = document();
+    auto* doc = new QTextDocument(this);
+    doc->setDefaultFont(old->defaultFont());
+    doc->setDefaultTextOption(old->defaultTextOption());
+    doc->setDocumentMargin(old->documentMargin());
     doc->setUndoRedoEnabled(false);
-    m_showingPreview = true;
     QTextCursor cursor(doc);
+    // In an edit block a cursor does not ask the layout where it stands.
     cursor.beginEditBlock();
-    cursor.select(QTextCursor::Document);
-    cursor.removeSelectedText();
     QTextBlockFormat blockFormat;
     blockFormat.setAlignment(
         toQt(preview.paragraphs.empty() ? markup::Alignment::Left : preview.paragraphs[0]));
@@ -289,9 +294,17 @@ void RichTextBox::showPreview(const markup::RenderedPreview& preview) {
             run + 1 < preview.colours.size() ? preview.colours[run + 1].start : text.size();
         writer.write(text.substr(start, end - start), colourFormat(preview.colours[run].colour));
     }
-    m_drawsBlockEnds = writer.drawsBlockEnds();
     cursor.endEditBlock();
-    doc->setUndoRedoEnabled(undo);
+    doc->setUndoRedoEnabled(old->isUndoRedoEnabled());
+    m_drawsBlockEnds = writer.drawsBlockEnds();
+    m_showingPreview = true;
+    // The box deletes a document it owns when another takes its place; its
+    // first one it leaves alone.
+    const QPointer<QTextDocument> replaced(old);
+    setDocument(doc);
+    delete replaced.data();
+    connect(doc, &QTextDocument::contentsChange, this, &RichTextBox::documentChanged);
+    m_lastLength = length();
     m_showingPreview = false;
     m_previewStale = false;
     showSelection(preview.caret, preview.selectionLength);
@@ -299,7 +312,9 @@ void RichTextBox::showPreview(const markup::RenderedPreview& preview) {
 
 void RichTextBox::showPreviewChange(const markup::PreviewPatch& patch,
                                     const std::function<markup::RenderedPreview()>& whole) {
-    if (m_previewStale || patch.start + patch.removed > length()) {
+    // A change of much of the text is quicker built afresh.
+    if (m_previewStale || patch.start + patch.removed > length() ||
+        patch.text.size() + patch.removed > length() / 4 + kBlockLength) {
         showPreview(whole());
         return;
     }

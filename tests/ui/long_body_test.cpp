@@ -145,7 +145,7 @@ class LongBodyTest : public QObject {
         QVERIFY(editor->document()->blockCount() >= 8);
         for (QTextBlock block = editor->document()->begin(); block.isValid();
              block = block.next()) {
-            QVERIFY(block.length() <= 2049);
+            QVERIFY(block.length() <= 1024 + 64 + 1);
         }
         QCOMPARE(editor->plainText(), body);
         editor->selectAll();
