@@ -35,6 +35,8 @@ constexpr std::size_t kColourSearchFirst = 3;
 constexpr std::size_t kColourSearchLast = 32;
 constexpr std::size_t kColourSwallow = 33;
 constexpr std::size_t kMaxComponentLength = 4;
+// Room for what the markers near a segment's end add to its text.
+constexpr std::size_t kSegmentSlack = 64;
 
 // The text not yet scanned: replacement text waiting in front of the rest of
 // the body. Every replacement starts at the scan position, so nothing behind
@@ -162,6 +164,7 @@ class Renderer {
     void startSegment() {
         m_out.emplace_back();
         segment().entry = m_state;
+        segment().text.reserve(std::min(m_cuts.length, m_rest.size()) + kSegmentSlack);
     }
 
     void endSegment(std::size_t at) { segment().bodyLength = at - m_position; }
