@@ -15,14 +15,13 @@ inline constexpr int kRichTextBoxCount = 8;
 inline constexpr int kPreviewIndexOffset = 4;
 inline constexpr int kColourBoxesPerLanguage = 3;
 
-// The longest body the window takes on. A body is one paragraph of its text
-// box, and the toolkit lays a paragraph out whole on every change: at four
-// million characters a keystroke already takes over a second, and some tens
-// of millions stall the window for many minutes. No paste, keystroke or
-// command makes a body longer, and a file holding a longer one is not loaded.
-inline constexpr std::size_t kMaxBodyLength = 4'000'000;
-// A title box holds as much as a file can carry: as much as a body.
-inline constexpr std::size_t kMaxTitleLength = kMaxBodyLength;
+// The longest body the window takes on. Typing costs the same at any length,
+// but loading, the memory for the text, its preview and their undo steps
+// grow with it. No paste, keystroke or command makes a body longer, and a
+// file holding a longer one is not loaded.
+inline constexpr std::size_t kMaxBodyLength = 16'000'000;
+// A title box is one line, which the toolkit lays out whole on every change.
+inline constexpr std::size_t kMaxTitleLength = 4'000'000;
 // The font, folder and name boxes: the toolkit's usual single-line limit.
 inline constexpr std::size_t kMaxLineLength = 32'767;
 
