@@ -1,18 +1,40 @@
+// Typing and loading in the real window (Qt offscreen, window shown), against
+// what the toolkit's own QTextEdit costs for the same text:
+// - a character typed at the end and in the middle of a long marked-up body,
+//   timed from the key event to the finished preview, all inside the event;
+// - the same keystroke into a bare QTextEdit holding the same text;
+// - four 4,000,000-character bodies loaded from a schema file, against four
+//   setPlainText calls on bare editors, with the peak memory of each;
+// - pasting a body of plain words, of words with markers, one without a
+//   space and one made only of markers.
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
+#include <QClipboard>
+#include <QFileInfo>
 #include <QKeyEvent>
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QTextEdit>
+#include <malloc.h>
+
+#include <array>
+#include <fstream>
+#include <memory>
 
 #include "bench_bodies.hpp"
-#include "markup/renderer.hpp"
+#include "markup/markers.hpp"
+#include "schema/schema_writer.hpp"
 #include "ui/main_window.hpp"
 #include "ui/qt_text.hpp"
 
 namespace {
 
+using lorekeep::Text;
 using lorekeep::ui::MainWindow;
+using lorekeep::ui::toQString;
 
-constexpr std::size_t kBodyLength = 32767;
+enum Place { kAtEnd, kInMiddle };
 
 void type(QWidget* target, int key, const QString& text) {
     QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, text);
@@ -21,37 +43,13 @@ void type(QWidget* target, int key, const QString& text) {
     QApplication::sendEvent(target, &release);
 }
 
-// One character typed at the end of a long marked-up body, through the real
-// editor: the key event, the text change, the render and the preview pane's
-// new document, all inside the one event.
-void BM_KeystrokeToPreview(benchmark::State& state) {
-    MainWindow window;
-    window.show();
-    auto* editor = window.richTextBox(0);
-    editor->replaceText(lorekeep::bench::markedUpBody(kBodyLength));
-    editor->setFocus();
-    editor->setCaretPosition(kBodyLength);
-    for (auto _ : state) {
-        type(editor, Qt::Key_X, QStringLiteral("x"));
-        state.PauseTiming();
-        type(editor, Qt::Key_Backspace, QString());
-        state.ResumeTiming();
-    }
-    state.counters["preview_chars"] =
-        static_cast<double>(window.richTextBox(4)->plainText().size());
-}
-
-// The same keystroke into a box of the same body whose changes render
-// nothing (a preview pane, shown on its page): what the editor widget itself
-// costs per keystroke on a 32,767-character paragraph, preview or not.
-void BM_KeystrokeWithoutPreview(benchmark::State& state) {
-    MainWindow window;
-    window.show();
-    window.tabs->setCurrentIndex(4);
-    auto* box = window.richTextBox(4);
-    box->replaceText(lorekeep::bench::markedUpBody(kBodyLength));
-    box->setFocus();
-    box->setCaretPosition(kBodyLength);
+// One keystroke typed and taken back per iteration; only the typing is timed.
+template <typename Box>
+void typeAndTakeBack(benchmark::State& state, Box* box, std::size_t at) {
+    QTextCursor cursor = box->textCursor();
+    cursor.setPosition(static_cast<int>(at));
+    box->setTextCursor(cursor);
+    QApplication::processEvents();
     for (auto _ : state) {
         type(box, Qt::Key_X, QStringLiteral("x"));
         state.PauseTiming();
@@ -60,37 +58,225 @@ void BM_KeystrokeWithoutPreview(benchmark::State& state) {
     }
 }
 
-// From the editor's text-changed notification to the finished preview: the
-// render and the pane's new document.
-void BM_TextChangeToPreview(benchmark::State& state) {
+// Peak resident memory since the last reset, in MB.
+double peakMegabytes() {
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.rfind("VmHWM:", 0) == 0) {
+            return std::stod(line.substr(6)) / 1024.0;
+        }
+    }
+    return 0;
+}
+
+double residentMegabytes() {
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.rfind("VmRSS:", 0) == 0) {
+            return std::stod(line.substr(6)) / 1024.0;
+        }
+    }
+    return 0;
+}
+
+// Heap in use, in MB: what the program holds, whatever the allocator keeps.
+double heapMegabytes() {
+    const struct mallinfo2 info = mallinfo2();
+    return static_cast<double>(info.uordblks + info.hblkhd) / (1024.0 * 1024.0);
+}
+
+void resetPeak() {
+    std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+void BM_KeystrokeToPreview(benchmark::State& state) {
+    const auto length = static_cast<std::size_t>(state.range(0));
     MainWindow window;
     window.show();
     auto* editor = window.richTextBox(0);
-    editor->replaceText(lorekeep::bench::markedUpBody(kBodyLength));
+    editor->replaceText(lorekeep::bench::markedUpBody(length));
+    editor->setFocus();
+    typeAndTakeBack(state, editor, state.range(1) == kAtEnd ? length : length / 2);
+    state.counters["preview_chars"] =
+        static_cast<double>(window.richTextBox(4)->document()->characterCount() - 1);
+}
+
+// The toolkit's own editor with the same text, as setPlainText leaves it.
+void BM_BareQTextEditKeystroke(benchmark::State& state) {
+    const auto length = static_cast<std::size_t>(state.range(0));
+    QTextEdit bare;
+    bare.resize(600, 400);
+    bare.show();
+    bare.setPlainText(toQString(lorekeep::bench::markedUpBody(length)));
+    bare.setFocus();
+    typeAndTakeBack(state, &bare, state.range(1) == kAtEnd ? length : length / 2);
+}
+
+// The four bodies' schema file, written once.
+const QString& fourBodiesFile(std::size_t length) {
+    static QTemporaryDir folder;
+    static const QString path = [&] {
+        lorekeep::SchemaDocument document;
+        for (auto& entry : document.entries) {
+            entry.body = lorekeep::bench::markedUpBody(length);
+        }
+        document.font = u"Papyrus14";
+        const std::string bytes = lorekeep::composeSchemaBytes(document, {2005, 3, 14, 14, 5, 9});
+        const QString file = folder.filePath(QStringLiteral("four.sch"));
+        std::ofstream(file.toStdString(), std::ios::binary) << bytes;
+        return file;
+    }();
+    return path;
+}
+
+// The Load button on a file of four long bodies: reading, the four editors and
+// the four previews.
+void BM_LoadFourBodies(benchmark::State& state) {
+    const auto length = static_cast<std::size_t>(state.range(0));
+    const QString file = fourBodiesFile(length);
+    double peak = 0;
+    double held = 0;
     for (auto _ : state) {
-        emit editor->textChanged();
+        state.PauseTiming();
+        auto window = std::make_unique<MainWindow>();
+        window->show();
+        window->folderBox->setText(QFileInfo(file).absolutePath());
+        window->nameBox->setText(QStringLiteral("four"));
+        QApplication::processEvents();
+        const double before = residentMegabytes();
+        const double heapBefore = heapMegabytes();
+        resetPeak();
+        state.ResumeTiming();
+        window->loadButton->click();
+        QApplication::processEvents();
+        state.PauseTiming();
+        peak = peakMegabytes() - before;
+        held = heapMegabytes() - heapBefore;
+        if (window->richTextBox(3)->document()->characterCount() - 1 != static_cast<int>(length)) {
+            state.SkipWithError("the file did not load");
+        }
+        window.reset();
+        state.ResumeTiming();
+    }
+    // The heap still held afterwards counts whatever ran before.
+    state.counters["peak_MB"] = peak;
+    state.counters["heap_MB"] = held;
+}
+
+// What the same four texts cost four bare editors: setPlainText each.
+void BM_SetPlainTextFourBodies(benchmark::State& state) {
+    const auto length = static_cast<std::size_t>(state.range(0));
+    const QString body = toQString(lorekeep::bench::markedUpBody(length));
+    double peak = 0;
+    double held = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::array<std::unique_ptr<QTextEdit>, 4> editors;
+        for (auto& editor : editors) {
+            editor = std::make_unique<QTextEdit>();
+            editor->resize(600, 400);
+            editor->show();
+        }
+        QApplication::processEvents();
+        const double before = residentMegabytes();
+        const double heapBefore = heapMegabytes();
+        resetPeak();
+        state.ResumeTiming();
+        for (auto& editor : editors) {
+            editor->setPlainText(body);
+        }
+        QApplication::processEvents();
+        state.PauseTiming();
+        peak = peakMegabytes() - before;
+        held = heapMegabytes() - heapBefore;
+        for (auto& editor : editors) {
+            editor.reset();
+        }
+        state.ResumeTiming();
+    }
+    // The heap still held afterwards counts whatever ran before.
+    state.counters["peak_MB"] = peak;
+    state.counters["heap_MB"] = held;
+}
+
+enum BodyKind { kWords, kMarkedUpWords, kWithoutSpaces, kOnlyMarkers };
+
+Text bodyOf(BodyKind kind, std::size_t length) {
+    Text body;
+    switch (kind) {
+        case kWords:
+            while (body.size() < length) {
+                body += u"Lore of the tower keep ";
+            }
+            body.resize(length);
+            return body;
+        case kMarkedUpWords:
+            return lorekeep::bench::markedUpBody(length);
+        case kWithoutSpaces:
+            return Text(length, u'x');
+        case kOnlyMarkers:
+            while (body.size() < length) {
+                body += lorekeep::markup::kLineBreak;
+                body += lorekeep::markup::colourMarker(u"255", u"128", u"0");
+            }
+            body.resize(length);
+            return body;
+    }
+    return body;
+}
+
+// A whole body pasted into an empty English editor, preview included.
+void BM_PasteBody(benchmark::State& state) {
+    const auto kind = static_cast<BodyKind>(state.range(0));
+    const auto length = static_cast<std::size_t>(state.range(1));
+    auto* mime = new QMimeData;
+    mime->setText(toQString(bodyOf(kind, length)));
+    QApplication::clipboard()->setMimeData(mime);
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto window = std::make_unique<MainWindow>();
+        window->show();
+        QApplication::processEvents();
+        state.ResumeTiming();
+        window->richTextBox(0)->paste();
+        QApplication::processEvents();
+        state.PauseTiming();
+        window.reset();
+        state.ResumeTiming();
     }
 }
 
-// What showing the rendered text costs at the least: setPlainText of it alone
-// into the same pane.
-void BM_SetPlainTextOfRenderedText(benchmark::State& state) {
-    MainWindow window;
-    window.show();
-    const auto rendered =
-        lorekeep::markup::renderPreview(lorekeep::bench::markedUpBody(kBodyLength));
-    const QString text = lorekeep::ui::toQString(rendered.text);
-    auto* pane = window.richTextBox(4);
-    for (auto _ : state) {
-        pane->setPlainText(text);
-    }
-    state.counters["preview_chars"] = static_cast<double>(text.size());
-}
+constexpr int kSmall = 32'767;
+constexpr int kMillion = 1'000'000;
+constexpr int kFourMillion = 4'000'000;
 
-BENCHMARK(BM_KeystrokeToPreview)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_KeystrokeWithoutPreview)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_TextChangeToPreview)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SetPlainTextOfRenderedText)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_KeystrokeToPreview)
+    ->ArgNames({"chars", "middle"})
+    ->ArgsProduct({{kSmall, kMillion, kFourMillion}, {kAtEnd, kInMiddle}})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_BareQTextEditKeystroke)
+    ->ArgNames({"chars", "middle"})
+    ->ArgsProduct({{kSmall}, {kAtEnd, kInMiddle}})
+    ->Unit(benchmark::kMillisecond);
+// One iteration each: the peak is that of a process that has not yet held
+// such texts (run each alone for that).
+BENCHMARK(BM_LoadFourBodies)
+    ->ArgNames({"chars"})
+    ->Arg(kFourMillion)
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SetPlainTextFourBodies)
+    ->ArgNames({"chars"})
+    ->Arg(kFourMillion)
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PasteBody)
+    ->ArgNames({"kind", "chars"})
+    ->ArgsProduct({{kWords, kMarkedUpWords, kWithoutSpaces, kOnlyMarkers}, {kFourMillion}})
+    ->Iterations(2)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
