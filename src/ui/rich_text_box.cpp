@@ -25,10 +25,11 @@ namespace {
 // taken over by a neighbour when blocks merge.
 constexpr int kEndedBy = QTextFormat::UserProperty;
 // A stretch without a line break this long is cut into blocks at the next
-// space; where none comes soon, wherever it may be (the toolkit breaks lines
-// in a block without spaces in time that grows with the square of its length).
+// space; a run this long without a space is cut wherever it may be (the
+// toolkit breaks the lines of such a run in time that grows with the square
+// of its length).
 constexpr std::size_t kBlockLength = 1024;
-constexpr std::size_t kSpaceReach = 64;
+constexpr std::size_t kLongestRun = 256;
 
 // What the block end in front of `block` stands for.
 char16_t endedBy(const QTextBlock& block) {
@@ -82,16 +83,17 @@ class BlockWriter {
         : m_cursor(cursor),
           m_alignments(alignments),
           m_paragraph(paragraph),
+          m_blockFormat(cursor.blockFormat()),
           m_sinceBlockEnd(static_cast<std::size_t>(cursor.positionInBlock())) {}
 
     void write(TextView text, const QTextCharFormat& format) {
         std::size_t start = 0;
         for (std::size_t k = 0; k < text.size(); ++k) {
             const char16_t c = text[k];
-            if (!endsBlock(c) &&
-                !(m_sinceBlockEnd >= kBlockLength && isBlank(c)) &&
-                !(m_sinceBlockEnd >= kBlockLength + kSpaceReach && mayEndBlock(c))) {
+            if (!endsBlock(c) && !(m_sinceBlockEnd >= kBlockLength && isBlank(c)) &&
+                !(m_sinceBlank >= kLongestRun && mayEndBlock(c))) {
                 ++m_sinceBlockEnd;
+                m_sinceBlank = isBlank(c) ? 0 : m_sinceBlank + 1;
                 continue;
             }
             if (k > start) {
@@ -111,25 +113,28 @@ class BlockWriter {
 
   private:
     void endBlock(char16_t c, const QTextCharFormat& format) {
-        QTextBlockFormat blockFormat = m_cursor.blockFormat();
         if (markup::isParagraphSeparator(c)) {
             ++m_paragraph;
         } else if (!endsBlock(c) && !isBlank(c)) {
             m_drawsBlockEnds = true;
         }
-        if (m_alignments != nullptr && m_paragraph < m_alignments->size()) {
-            blockFormat.setAlignment(toQt((*m_alignments)[m_paragraph]));
+        if (m_alignments != nullptr && m_paragraph < m_alignments->size() &&
+            m_blockFormat.alignment() != toQt((*m_alignments)[m_paragraph])) {
+            m_blockFormat.setAlignment(toQt((*m_alignments)[m_paragraph]));
         }
         QTextCharFormat end = format;
         end.setProperty(kEndedBy, static_cast<int>(c));
-        m_cursor.insertBlock(blockFormat, end);
+        m_cursor.insertBlock(m_blockFormat, end);
         m_sinceBlockEnd = 0;
+        m_sinceBlank = 0;
     }
 
     QTextCursor& m_cursor;
     const std::vector<markup::Alignment>* m_alignments;
     std::size_t m_paragraph;
+    QTextBlockFormat m_blockFormat;  // the cursor's block's
     std::size_t m_sinceBlockEnd;
+    std::size_t m_sinceBlank = 0;  // characters since a blank or a block end
     bool m_drawsBlockEnds = false;
 };
 
@@ -151,6 +156,40 @@ RichTextBox::RichTextBox(QWidget* parent) : QTextEdit(parent) {
     setTabChangesFocus(true);
     setLineWrapMode(QTextEdit::WidgetWidth);
     connect(document(), &QTextDocument::contentsChange, this, &RichTextBox::documentChanged);
+    suspendLayout();
+}
+
+void RichTextBox::suspendLayout() {
+    m_layoutSuspended = true;
+    document()->setPageSize(QSizeF(0, 0));
+}
+
+void RichTextBox::resumeLayout() {
+    if (!m_layoutSuspended) {
+        return;
+    }
+    m_layoutSuspended = false;
+    // The page the toolkit itself gives a document: as wide as the viewport.
+    document()->setPageSize(
+        QSizeF(lineWrapMode() == QTextEdit::NoWrap ? 0 : viewport()->width(), -1));
+    ensureCursorVisible();
+}
+
+void RichTextBox::showEvent(QShowEvent* event) {
+    resumeLayout();
+    QTextEdit::showEvent(event);
+}
+
+void RichTextBox::hideEvent(QHideEvent* event) {
+    QTextEdit::hideEvent(event);
+    suspendLayout();
+}
+
+void RichTextBox::resizeEvent(QResizeEvent* event) {
+    QTextEdit::resizeEvent(event);
+    if (m_layoutSuspended) {
+        suspendLayout();  // the toolkit gave the document its page again
+    }
 }
 
 std::size_t RichTextBox::length() const {
@@ -303,6 +342,9 @@ void RichTextBox::showPreview(const markup::RenderedPreview& preview) {
     const QPointer<QTextDocument> replaced(old);
     setDocument(doc);
     delete replaced.data();
+    if (m_layoutSuspended) {
+        suspendLayout();
+    }
     connect(doc, &QTextDocument::contentsChange, this, &RichTextBox::documentChanged);
     m_lastLength = length();
     m_showingPreview = false;

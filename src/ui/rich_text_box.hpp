@@ -52,6 +52,9 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     // Plain text only, and never more than the box can lay out.
     void insertFromMimeData(const QMimeData* source) override;
     // The characters exactly as the text holds them.
@@ -67,6 +70,12 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
     // Replaces the selection as typing would, as one edit, caret behind.
     void replaceSelection(TextView text);
     void documentChanged(int position, int removed, int added);
+    // While the box is not shown its document has no page, and the toolkit's
+    // layout then ignores every change, where it would otherwise walk every
+    // block behind each one. Shown again, it is laid out afresh as far as it
+    // is seen.
+    void suspendLayout();
+    void resumeLayout();
 
     // The change not yet taken: none, one, or more than one (unknown).
     enum class Pending { Nothing, One, Unknown };
@@ -80,6 +89,7 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
     bool m_showingPreview = false;
     // Some block end stands for a character that must be drawn.
     bool m_drawsBlockEnds = false;
+    bool m_layoutSuspended = false;
 };
 
 }  // namespace lorekeep::ui

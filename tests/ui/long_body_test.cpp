@@ -131,6 +131,29 @@ class LongBodyTest : public QObject {
         }
     }
 
+    // A pane changed while its page was hidden is laid out when the page is
+    // shown: the text fills the pane's width and the caret is in view.
+    void aPaneChangedWhileHiddenShowsWhenItsPageDoes() {
+        RichTextBox* editor = m_window->richTextBox(0);
+        const RichTextBox* pane = m_window->richTextBox(4);
+        Text body;
+        for (int k = 0; k < 400; ++k) {
+            body += u"Lore of the keep \\n<br>\\n";
+        }
+        editor->replaceText(body + u"\\n<jc>\\nthe end");
+        m_window->tabs->setCurrentIndex(4);
+        QApplication::processEvents();
+        m_window->tabs->setCurrentIndex(0);
+        editor->setFocus();
+        editor->setCaretPosition(body.size() / 2);
+        QTest::keyClicks(editor, "typed while the pane is hidden");
+        m_window->tabs->setCurrentIndex(4);
+        QApplication::processEvents();
+        QCOMPARE(pane->document()->pageSize().width(), qreal(pane->viewport()->width()));
+        QVERIFY(pane->viewport()->rect().contains(pane->cursorRect().center()));
+        QVERIFY(pane->document()->size().height() > pane->viewport()->height());
+    }
+
     // Words, a stretch without a space and line breaks of both kinds: the
     // editor holds them in blocks of bounded length, and reading back, copying
     // and cutting across block ends and undoing give exactly the body.
@@ -145,7 +168,7 @@ class LongBodyTest : public QObject {
         QVERIFY(editor->document()->blockCount() >= 8);
         for (QTextBlock block = editor->document()->begin(); block.isValid();
              block = block.next()) {
-            QVERIFY(block.length() <= 1024 + 64 + 1);
+            QVERIFY(block.length() <= 1024 + 256 + 1);
         }
         QCOMPARE(editor->plainText(), body);
         editor->selectAll();
