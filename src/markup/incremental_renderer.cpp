@@ -9,8 +9,6 @@ namespace {
 using segments::ScanState;
 using segments::Segment;
 
-// Segments of about this many body characters: an edit renders one or two.
-constexpr std::size_t kSegmentLength = 1024;
 // How far the scan reads beyond where it stands (a colour marker looks 33
 // characters ahead); a segment that begins at least this far before an edit
 // was rendered without reading any of it.
@@ -50,7 +48,7 @@ std::size_t separatorsIn(TextView text) {
 void IncrementalRenderer::reset(TextView body) {
     m_body = Text(body);
     m_parts.clear();
-    m_last = segments::scan(m_body, 0, {}, {kSegmentLength}, m_parts).state;
+    m_last = segments::scan(m_body, 0, {}, {m_segmentLength}, m_parts).state;
     std::erase_if(m_parts, [](const Segment& part) { return part.bodyLength == 0; });
 }
 
@@ -89,7 +87,7 @@ PreviewPatch IncrementalRenderer::replace(std::size_t start, std::size_t removed
     const ScanState entry = m_parts.empty() ? ScanState{} : m_parts[first].entry;
     std::vector<Segment> fresh;
     const segments::ScanEnd end =
-        segments::scan(m_body, from, entry, {kSegmentLength, &places, &states}, fresh);
+        segments::scan(m_body, from, entry, {m_segmentLength, &places, &states}, fresh);
     std::erase_if(fresh, [](const Segment& part) { return part.bodyLength == 0; });
     const std::size_t behind = end.stoppedAt < places.size() ? firstBehind + end.stoppedAt
                                                              : m_parts.size();

@@ -30,6 +30,11 @@ struct PreviewPatch {
 // exactly what renderPreview gives for the whole body.
 class IncrementalRenderer {
   public:
+    IncrementalRenderer() = default;
+    // Checkpoints about every `segmentLength` characters of the body: an edit
+    // renders one or two such stretches.
+    explicit IncrementalRenderer(std::size_t segmentLength) : m_segmentLength(segmentLength) {}
+
     void reset(TextView body);
     // Replaces `removed` characters of the body from `start` with `inserted`.
     PreviewPatch replace(std::size_t start, std::size_t removed, TextView inserted);
@@ -38,6 +43,7 @@ class IncrementalRenderer {
     RenderedPreview preview() const { return segments::assemble(m_parts, m_last); }
 
   private:
+    std::size_t m_segmentLength = 1024;
     Text m_body;
     std::vector<segments::Segment> m_parts;
     segments::ScanState m_last;  // after the last segment

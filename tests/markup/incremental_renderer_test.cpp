@@ -36,16 +36,19 @@ inline ::testing::AssertionResult samePreview(const markup::RenderedPreview& act
 }
 
 
-// Random edits of random bodies, long enough to hold many segments: after
-// every edit the kept preview, and a pane patched edit by edit, equal a full
-// render of the new body in text, caret, selection, colours and alignments.
+// Random edits of random bodies that hold many checkpoints (short stretches
+// between them, so that markers straddle them often, and now and then the
+// program's own): after every edit the kept preview, and a pane patched edit
+// by edit, equal a full render of the new body in text, caret, selection,
+// colours and alignments.
 TEST(IncrementalRenderer, EveryEditGivesWhatAFullRenderGives) {
     MarkerSoup soup(kSeed);
     std::mt19937 random(kSeed);
     int edits = 0;
-    for (int n = 0; n < 150; ++n) {
-        Text body = soup.next(n % 8 == 0 ? 200 : 5000);
-        IncrementalRenderer renderer;
+    for (int n = 0; n < 400; ++n) {
+        const bool programs = n % 10 == 0;
+        Text body = soup.next(programs ? 4000 : 800);
+        IncrementalRenderer renderer(programs ? 1024 : 8 + random() % 40);
         renderer.reset(body);
         RenderedPreview pane = renderPreview(body);
         ASSERT_TRUE(samePreview(renderer.preview(), pane)) << "body \"" << testing::visible(body) << "\"";
@@ -64,8 +67,8 @@ TEST(IncrementalRenderer, EveryEditGivesWhatAFullRenderGives) {
                 inserted = soup.piece();
                 removed = random() % 12;
             } else {
-                inserted = soup.next(2500);
-                removed = random() % 2500;
+                inserted = soup.next(body.size() / 2);
+                removed = random() % (body.size() / 2 + 1);
             }
             removed = std::min(removed, body.size() - start);
             const Text before = body;
