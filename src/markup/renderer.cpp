@@ -45,6 +45,9 @@ class Unscanned {
   public:
     Unscanned(TextView body, std::size_t from) : m_body(body), m_next(from) {}
 
+    // Plain runs from the body end at `at` at the latest.
+    void limitRunsTo(std::size_t at) { m_limit = at; }
+
     // Nothing pending: the scan stands in the body itself, at `position()`.
     bool settled() const { return m_pendingStart == m_pending.size(); }
     std::size_t position() const { return m_next; }
@@ -99,11 +102,13 @@ class Unscanned {
         if (m_pendingStart < m_pending.size()) {
             return TextView(m_pending).substr(m_pendingStart++, 1);
         }
-        std::size_t end = m_body.find(u'\\', m_next);
+        // Looks no further than the limit, so that runs stay short to find.
+        const std::size_t limit = std::min(m_body.size(), std::max(m_limit, m_next + 1));
+        std::size_t end = m_body.substr(0, limit).find(u'\\', m_next);
         if (end == m_next) {
             end = m_next + 1;
         } else if (end == TextView::npos) {
-            end = m_body.size();
+            end = limit;
         }
         const TextView run = m_body.substr(m_next, end - m_next);
         m_next = end;
@@ -113,6 +118,7 @@ class Unscanned {
   private:
     TextView m_body;
     std::size_t m_next;
+    std::size_t m_limit = TextView::npos;
     Text m_pending;
     std::size_t m_pendingStart = 0;
 };
@@ -142,6 +148,14 @@ class Renderer {
                 } else if (at - m_position >= m_cuts.length) {
                     cutAt(at);
                 }
+                // A plain run stops where the next cut or stop may be, so
+                // that text without markers is cut into segments too.
+                std::size_t limit = m_cuts.length > m_rest.size() ? m_rest.position() + m_rest.size()
+                                                                  : m_position + m_cuts.length;
+                if (m_nextPlace < placeCount) {
+                    limit = std::min(limit, (*m_cuts.places)[m_nextPlace]);
+                }
+                m_rest.limitRunsTo(limit);
             }
             if (m_rest.at(0) != u'\\' || m_rest.at(1) != u'n') {
                 output(m_rest.nextPlainRun());
