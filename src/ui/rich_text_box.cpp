@@ -10,7 +10,6 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
-#include <memory>
 
 #include "editor/schema_editor.hpp"
 #include "ui/qt_text.hpp"
@@ -390,9 +389,10 @@ void RichTextBox::showPreviewChange(const markup::PreviewPatch& patch,
     };
     if (!patch.paragraphs.empty()) {
         std::size_t paragraph = first;
-        for (QTextBlock block = doc->findBlock(static_cast<int>(patch.start)); block.isValid();
-             block = block.previous()) {
-            if (!align(block, wanted(paragraph)) && paragraph == 0) {
+        // The block at the change may have taken over a later block's format.
+        const QTextBlock changed = doc->findBlock(static_cast<int>(patch.start));
+        for (QTextBlock block = changed; block.isValid(); block = block.previous()) {
+            if (!align(block, wanted(paragraph)) && paragraph == 0 && block != changed) {
                 break;
             }
             if (markup::isParagraphSeparator(endedBy(block)) && block != doc->begin()) {
@@ -428,11 +428,22 @@ void RichTextBox::showSelection(std::size_t caret, std::size_t selectionLength) 
     }
 }
 
-QColor RichTextBox::characterColour(std::size_t position) const {
+QTextCharFormat RichTextBox::formatAt(std::size_t position) const {
+    // A block end's own format is the next block's; a cursor would report
+    // the format of the character after it.
+    const QTextBlock block = document()->findBlock(static_cast<int>(position));
+    if (static_cast<std::size_t>(block.position() + block.length() - 1) == position &&
+        block.next().isValid()) {
+        return block.next().charFormat();
+    }
     QTextCursor cursor(document());
     cursor.setPosition(static_cast<int>(position));
     cursor.setPosition(static_cast<int>(position + 1), QTextCursor::KeepAnchor);
-    const QTextCharFormat format = cursor.charFormat();
+    return cursor.charFormat();
+}
+
+QColor RichTextBox::characterColour(std::size_t position) const {
+    const QTextCharFormat format = formatAt(position);
     return format.hasProperty(QTextFormat::ForegroundBrush) ? format.foreground().color()
                                                             : QColor();
 }
@@ -480,11 +491,9 @@ void RichTextBox::replaceSelection(TextView text) {
 }
 
 QMimeData* RichTextBox::createMimeDataFromSelection() const {
-    // The toolkit's own copy would make every block end a line feed; its
-    // formatted copy is kept beside the exact text.
-    const std::unique_ptr<QMimeData> formatted(QTextEdit::createMimeDataFromSelection());
+    // The exact characters only: the toolkit's own copy, formatted or not,
+    // would make every block end a line break.
     auto* mime = new QMimeData;
-    mime->setHtml(formatted->html());
     const QTextCursor selection = textCursor();
     mime->setText(toQString(textBetween(static_cast<std::size_t>(selection.selectionStart()),
                                         static_cast<std::size_t>(selection.selectionEnd()))));
@@ -515,10 +524,7 @@ void RichTextBox::paintEvent(QPaintEvent* event) {
             continue;
         }
         const int at = block.position() + block.length() - 1;
-        QTextCursor probe(document());
-        probe.setPosition(at);
-        probe.setPosition(at + 1, QTextCursor::KeepAnchor);
-        const QTextCharFormat format = probe.charFormat();
+        const QTextCharFormat format = next.charFormat();
         const QFont font = format.font().resolve(document()->defaultFont());
         const QTextLine line = lines->lineAt(lines->lineCount() - 1);
         const QString shown(QChar{c});

@@ -64,6 +64,7 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
     std::size_t length() const;
     std::size_t selectionLength() const;
     Text textBetween(std::size_t start, std::size_t end) const;
+    QTextCharFormat formatAt(std::size_t position) const;
     // The anchor at the end and the caret at `offset`.
     void selectToEnd(std::size_t offset);
     void showSelection(std::size_t caret, std::size_t selectionLength);

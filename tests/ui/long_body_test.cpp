@@ -131,6 +131,26 @@ class LongBodyTest : public QObject {
         }
     }
 
+    // Edits at the ends of blocks: a removal that begins at a block's start
+    // (the toolkit keeps the later block's format) and a block end standing
+    // for a character just before a colour change.
+    void editsAtBlockEndsKeepThePreviewInStep() {
+        RichTextBox* editor = m_window->richTextBox(2);
+        Text words;
+        for (int k = 0; k < 205; ++k) {
+            words += u"word ";
+        }
+        const std::tuple<Text, std::size_t, Qt::Key> rows[] = {
+            {words + u"\r\\n<jc>\\nend", 1025, Qt::Key_Delete},
+            {Text(256, u'a') + u"b\\n<dc=255,0,0>\\nred", 3, Qt::Key_X}};
+        for (const auto& [body, caret, key] : rows) {
+            editor->replaceText(body);
+            editor->setCaretPosition(caret);
+            QTest::keyClick(editor, key);
+            QVERIFY(paneInStep(editor, m_window->richTextBox(6)));
+        }
+    }
+
     // A pane changed while its page was hidden is laid out when the page is
     // shown: the text fills the pane's width and the caret is in view.
     void aPaneChangedWhileHiddenShowsWhenItsPageDoes() {
