@@ -106,6 +106,16 @@ class BlockWriter {
         }
     }
 
+    // Each stretch of one colour in its own format.
+    void writeRuns(TextView text, const std::vector<markup::ColourRun>& colours) {
+        for (std::size_t run = 0; run < colours.size(); ++run) {
+            const std::size_t end =
+                run + 1 < colours.size() ? colours[run + 1].start : text.size();
+            write(text.substr(colours[run].start, end - colours[run].start),
+                  colourFormat(colours[run].colour));
+        }
+    }
+
     // A block end stands for a character that is neither blank nor a break.
     bool drawsBlockEnds() const { return m_drawsBlockEnds; }
     std::size_t paragraph() const { return m_paragraph; }
@@ -325,13 +335,7 @@ void RichTextBox::showPreview(const markup::RenderedPreview& preview) {
         toQt(preview.paragraphs.empty() ? markup::Alignment::Left : preview.paragraphs[0]));
     cursor.setBlockFormat(blockFormat);
     BlockWriter writer(cursor, &preview.paragraphs);
-    const TextView text = preview.text;
-    for (std::size_t run = 0; run < preview.colours.size(); ++run) {
-        const std::size_t start = preview.colours[run].start;
-        const std::size_t end =
-            run + 1 < preview.colours.size() ? preview.colours[run + 1].start : text.size();
-        writer.write(text.substr(start, end - start), colourFormat(preview.colours[run].colour));
-    }
+    writer.writeRuns(preview.text, preview.colours);
     cursor.endEditBlock();
     doc->setUndoRedoEnabled(old->isUndoRedoEnabled());
     m_drawsBlockEnds = writer.drawsBlockEnds();
@@ -370,13 +374,7 @@ void RichTextBox::showPreviewChange(const markup::PreviewPatch& patch,
     cursor.removeSelectedText();
     const std::size_t first = patch.startParagraph - patch.firstParagraph;
     BlockWriter writer(cursor, &patch.paragraphs, first);
-    const TextView text = patch.text;
-    for (std::size_t run = 0; run < patch.colours.size(); ++run) {
-        const std::size_t start = patch.colours[run].start;
-        const std::size_t end =
-            run + 1 < patch.colours.size() ? patch.colours[run + 1].start : text.size();
-        writer.write(text.substr(start, end - start), colourFormat(patch.colours[run].colour));
-    }
+    writer.writeRuns(patch.text, patch.colours);
     m_drawsBlockEnds = m_drawsBlockEnds || writer.drawsBlockEnds();
 
     // The blocks that were there before take their paragraphs' alignments:
