@@ -58,24 +58,14 @@ void typeAndTakeBack(benchmark::State& state, Box* box, std::size_t at) {
     }
 }
 
-// Peak resident memory since the last reset, in MB.
-double peakMegabytes() {
+// A memory figure of /proc/self/status in MB: "VmHWM:" the peak since the
+// last reset, "VmRSS:" what is resident now.
+double statusMegabytes(const std::string& key) {
     std::ifstream status("/proc/self/status");
     std::string line;
     while (std::getline(status, line)) {
-        if (line.rfind("VmHWM:", 0) == 0) {
-            return std::stod(line.substr(6)) / 1024.0;
-        }
-    }
-    return 0;
-}
-
-double residentMegabytes() {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind("VmRSS:", 0) == 0) {
-            return std::stod(line.substr(6)) / 1024.0;
+        if (line.rfind(key, 0) == 0) {
+            return std::stod(line.substr(key.size())) / 1024.0;
         }
     }
     return 0;
@@ -149,14 +139,14 @@ void BM_LoadFourBodies(benchmark::State& state) {
         window->folderBox->setText(QFileInfo(file).absolutePath());
         window->nameBox->setText(QStringLiteral("four"));
         QApplication::processEvents();
-        const double before = residentMegabytes();
+        const double before = statusMegabytes("VmRSS:");
         const double heapBefore = heapMegabytes();
         resetPeak();
         state.ResumeTiming();
         window->loadButton->click();
         QApplication::processEvents();
         state.PauseTiming();
-        peak = peakMegabytes() - before;
+        peak = statusMegabytes("VmHWM:") - before;
         held = heapMegabytes() - heapBefore;
         if (window->richTextBox(3)->document()->characterCount() - 1 != static_cast<int>(length)) {
             state.SkipWithError("the file did not load");
@@ -184,7 +174,7 @@ void BM_SetPlainTextFourBodies(benchmark::State& state) {
             editor->show();
         }
         QApplication::processEvents();
-        const double before = residentMegabytes();
+        const double before = statusMegabytes("VmRSS:");
         const double heapBefore = heapMegabytes();
         resetPeak();
         state.ResumeTiming();
@@ -193,7 +183,7 @@ void BM_SetPlainTextFourBodies(benchmark::State& state) {
         }
         QApplication::processEvents();
         state.PauseTiming();
-        peak = peakMegabytes() - before;
+        peak = statusMegabytes("VmHWM:") - before;
         held = heapMegabytes() - heapBefore;
         for (auto& editor : editors) {
             editor.reset();
