@@ -103,6 +103,8 @@ class FontBox {
 class FileDialog {
   public:
     virtual ~FileDialog() = default;
+    // The open form picks an existing file; the save form also takes a new name.
+    virtual void setOpenForm(bool open) = 0;
     virtual void setDefaultSuffix(TextView suffix) = 0;
     virtual void setTitle(TextView title) = 0;
     virtual void setFilter(TextView description, TextView pattern) = 0;

@@ -148,6 +148,7 @@ void SchemaEditor::copyClicked(int language) {
 
 void SchemaEditor::locationClicked() {
     FileDialog& dialog = *m_controls.fileDialog;
+    dialog.setOpenForm(false);
     dialog.setDefaultSuffix(texts::kSchemaDefaultExtension);
     dialog.setTitle(texts::kLocationDialogTitle);
     dialog.setFilter(texts::kSchemaFilterDescription, texts::kSchemaFilterPattern);
@@ -166,6 +167,20 @@ void SchemaEditor::locationClicked() {
         m_controls.nameBox->setText(TextView(name).substr(0, name.size() - kExtensionLength));
     }
     dialog.clearChosenPath();
+}
+
+void SchemaEditor::openClicked() {
+    FileDialog& dialog = *m_controls.fileDialog;
+    dialog.setOpenForm(true);
+    dialog.setDefaultSuffix({});
+    dialog.setTitle(texts::kOpenDialogTitle);
+    dialog.setFilter(texts::kOpenFilterDescription, texts::kSchemaFilterPattern);
+    dialog.exec();
+    const Text path = dialog.chosenPath();
+    dialog.clearChosenPath();
+    if (!path.empty()) {
+        openFile(path);
+    }
 }
 
 void SchemaEditor::openFile(TextView path) {

@@ -86,6 +86,9 @@ class SchemaEditor {
     void saveClicked();
     void loadClicked();
 
+    // Picks an existing schema file in the dialog's open form and opens it.
+    void openClicked();
+
     // Opens a schema file by its full path, as a file manager hands it over:
     // the folder box takes its folder (with the trailing separator), the name
     // box its name less ".sch", and the load runs as the load button runs it.

@@ -24,4 +24,8 @@ inline constexpr std::u16string_view kSchemaFilterDescription = u"Schemas (*.sch
 inline constexpr std::u16string_view kSchemaFilterPattern = u"*.sch";
 inline constexpr std::u16string_view kSchemaDefaultExtension = u"sch";
 
+// The open dialog (Ctrl+O).
+inline constexpr std::u16string_view kOpenDialogTitle = u"Open a schema file";
+inline constexpr std::u16string_view kOpenFilterDescription = u"Schema files (*.sch)";
+
 }  // namespace lorekeep::texts

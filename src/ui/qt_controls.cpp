@@ -52,6 +52,12 @@ QFileDialog* QtFileDialog::dialog() {
     return m_dialog;
 }
 
+void QtFileDialog::setOpenForm(bool open) {
+    QFileDialog* d = dialog();
+    d->setAcceptMode(open ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
+    d->setFileMode(open ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+}
+
 void QtFileDialog::setDefaultSuffix(TextView suffix) {
     dialog()->setDefaultSuffix(toQString(suffix));
 }

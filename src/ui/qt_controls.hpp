@@ -42,10 +42,11 @@ class ComboBoxControl final : public editor::FontBox {
     QComboBox* m_box;
 };
 
-// The window's one file dialog, shown in its save form.
+// The window's one file dialog, in its save form or its open form.
 class QtFileDialog final : public editor::FileDialog {
   public:
     explicit QtFileDialog(QWidget* parent) : m_parent(parent) {}
+    void setOpenForm(bool open) override;
     void setDefaultSuffix(TextView suffix) override;
     void setTitle(TextView title) override;
     void setFilter(TextView description, TextView pattern) override;

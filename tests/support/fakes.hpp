@@ -112,6 +112,7 @@ struct FakeFontBox final : editor::FontBox {
 
 // Answers with a scripted choice; an empty path cancels.
 struct FakeFileDialog final : editor::FileDialog {
+    void setOpenForm(bool open) override { openForm = open; }
     void setDefaultSuffix(TextView value) override { suffix = Text(value); }
     void setTitle(TextView value) override { title = Text(value); }
     void setFilter(TextView text, TextView pattern) override {
@@ -126,6 +127,7 @@ struct FakeFileDialog final : editor::FileDialog {
     void clearChosenPath() override { path.clear(); }
     Text nextPath, path, suffix, title, filter;
     int shown = 0;
+    bool openForm = false;
 };
 
 // The whole window in memory, in its initial state.
