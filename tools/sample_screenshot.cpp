@@ -1,18 +1,47 @@
 // Draws the real window with a sample entry, as a user would have typed it,
 // and saves two pictures: the English page and its preview. Used for the
-// README:  sample_screenshot docs/editing.png docs/preview.png
+// README:  sample_screenshot [--dark] docs/editing.png docs/preview.png
+// --dark draws it under a dark desktop theme.
 #include <QApplication>
+#include <QStyle>
 #include <QtTest>
 
 #include "ui/main_window.hpp"
+
+namespace {
+
+QPalette darkTheme() {
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(45, 45, 48));
+    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
+    dark.setColor(QPalette::Base, QColor(30, 30, 32));
+    dark.setColor(QPalette::AlternateBase, QColor(55, 55, 58));
+    dark.setColor(QPalette::Text, QColor(230, 230, 230));
+    dark.setColor(QPalette::Button, QColor(55, 55, 58));
+    dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
+    dark.setColor(QPalette::ToolTipBase, QColor(55, 55, 58));
+    dark.setColor(QPalette::ToolTipText, QColor(230, 230, 230));
+    dark.setColor(QPalette::Highlight, QColor(42, 130, 218));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::Disabled, QPalette::Text, QColor(120, 120, 120));
+    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(120, 120, 120));
+    dark.setColor(QPalette::Disabled, QPalette::WindowText, QColor(120, 120, 120));
+    return dark;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QApplication app(argc, argv);
-    if (argc < 3) {
-        qWarning("usage: sample_screenshot editing.png preview.png");
+    QStringList files = QApplication::arguments().mid(1);
+    if (files.removeAll(QStringLiteral("--dark")) > 0) {
+        QApplication::setPalette(darkTheme());
+    }
+    if (files.size() != 2) {
+        qWarning("usage: sample_screenshot [--dark] editing.png preview.png");
         return 2;
     }
     lorekeep::ui::MainWindow w;
@@ -42,9 +71,9 @@ int main(int argc, char** argv) {
     QTest::keyClicks(editor, "Beware the tower.");
     english.colourButton->click();
     QTest::qWait(100);
-    w.grab().save(QString::fromLocal8Bit(argv[1]));
+    w.grab().save(files[0]);
     w.tabs->setCurrentIndex(4);
     QTest::qWait(100);
-    w.grab().save(QString::fromLocal8Bit(argv[2]));
+    w.grab().save(files[1]);
     return 0;
 }

@@ -34,18 +34,28 @@ QFont fittedFont(const QFont& font, const QString& text, const QSize& box, bool 
 CaptionButton::CaptionButton(const QString& caption, QWidget* parent)
     : QPushButton(caption, parent) {}
 
+QRect CaptionButton::captionArea() const {
+    return rect().adjusted(kInset, 0, -kInset, 0);
+}
+
+bool CaptionButton::wrapsCaption() const {
+    // Two lines fit only in a button at least twice as tall as one line.
+    return captionArea().height() >= 2 * QFontMetrics(font()).height();
+}
+
+QFont CaptionButton::captionFont() const {
+    return fittedFont(font(), text(), captionArea().size(), wrapsCaption());
+}
+
 void CaptionButton::paintEvent(QPaintEvent*) {
     QStylePainter painter(this);
     QStyleOptionButton option;
     initStyleOption(&option);
     painter.drawControl(QStyle::CE_PushButtonBevel, option);
 
-    const QRect area = rect().adjusted(kInset, 0, -kInset, 0);
-    // Two lines fit only in a button at least twice as tall as one line.
-    const bool wrap = area.height() >= 2 * QFontMetrics(font()).height();
-    painter.setFont(fittedFont(font(), text(), area.size(), wrap));
-    painter.drawItemText(area, Qt::AlignCenter | (wrap ? Qt::TextWordWrap : 0), palette(),
-                         isEnabled(), text(), QPalette::ButtonText);
+    painter.setFont(captionFont());
+    painter.drawItemText(captionArea(), Qt::AlignCenter | (wrapsCaption() ? Qt::TextWordWrap : 0),
+                         palette(), isEnabled(), text(), QPalette::ButtonText);
     if (hasFocus()) {
         QStyleOptionFocusRect focus;
         focus.initFrom(this);

@@ -19,8 +19,15 @@ class CaptionButton : public QPushButton {
   public:
     explicit CaptionButton(const QString& caption, QWidget* parent = nullptr);
 
+    // The font the caption is drawn in: the button's own unless it must shrink.
+    QFont captionFont() const;
+
   protected:
     void paintEvent(QPaintEvent* event) override;
+
+  private:
+    QRect captionArea() const;
+    bool wrapsCaption() const;
 };
 
 }  // namespace lorekeep::ui

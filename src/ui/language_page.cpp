@@ -6,11 +6,22 @@
 
 namespace lorekeep::ui {
 
-LanguagePage::LanguagePage(int language, QPoint offset, QWidget* parent) : QWidget(parent) {
+namespace {
+
+// "German Red", "French title": what a screen reader calls a language's control.
+QString languageName(int language, std::u16string_view what) {
+    return QStringLiteral("%1 %2").arg(toQString(infoOf(Language(language)).tabCaption),
+                                       toQString(what));
+}
+
+}  // namespace
+
+LanguagePage::LanguagePage(int language, const layout::Grid& grid, QPoint offset, QWidget* parent)
+    : QWidget(parent) {
     const int i = language;
     auto button = [&](std::u16string_view caption, layout::TwipRect where, const char* name,
                       std::u16string_view tip) {
-        return layout::place(new CaptionButton(toQString(caption), this), where,
+        return layout::place(new CaptionButton(toQString(caption), this), grid, where,
                              layout::indexedName(name, i), tip, offset);
     };
     leftJustifyButton = button(layout::kCmdLeftJusCaption, layout::kCmdLeftJus, "cmdLeftJus",
@@ -26,38 +37,46 @@ LanguagePage::LanguagePage(int language, QPoint offset, QWidget* parent) : QWidg
     const int first = editor::kColourBoxesPerLanguage * i;
     for (int c = 0; c < editor::kColourBoxesPerLanguage; ++c) {
         colourLabels[c] =
-            layout::place(new QLabel(toQString(layout::kLabel5Captions[c]), this),
+            layout::place(new QLabel(toQString(layout::kLabel5Captions[c]), this), grid,
                           layout::kLabel5[c], layout::indexedName("Label5", first + c), {}, offset);
     }
     for (int c = 0; c < editor::kColourBoxesPerLanguage; ++c) {
         colourBoxes[c] = layout::place(
-            new QLineEdit(toQString(layout::kColourBoxInitialText), this), layout::kTxtColor[c],
+            new QLineEdit(toQString(layout::kColourBoxInitialText), this), grid, layout::kTxtColor[c],
             layout::indexedName("txtColor", first + c), {}, offset);
         colourBoxes[c]->setEnabled(false);
         colourLabels[c]->setBuddy(colourBoxes[c]);
+        colourBoxes[c]->setAccessibleName(languageName(i, layout::kColourBoxNames[c]));
     }
     okButton = button(layout::kCmdOKCaption, layout::kCmdOK, "cmdOK", layout::kCmdOKTip);
     okButton->setEnabled(false);
     copyButton =
         button(layout::kCmdCopyCaption, layout::kCmdCopy, "cmdCopy", layout::kCmdCopyTips[i]);
 
-    titleLabel = layout::place(new QLabel(toQString(layout::kLabel3Caption), this), layout::kLabel3,
+    titleLabel = layout::place(new QLabel(toQString(layout::kLabel3Caption), this), grid, layout::kLabel3,
                                layout::indexedName("Label3", i), {}, offset);
-    titleBox = layout::place(new QLineEdit(this), layout::kTxtTitle,
+    titleBox = layout::place(new QLineEdit(this), grid, layout::kTxtTitle,
                              layout::indexedName("txtTitle", i), layout::kTxtTitleTip, offset);
     titleLabel->setBuddy(titleBox);
+    titleBox->setAccessibleName(languageName(i, layout::kTitleName));
     titleBox->setMaxLength(static_cast<int>(editor::kMaxTitleLength));
 
-    bodyEditor = layout::place(new RichTextBox(this), layout::kLanguageEditor,
+    bodyEditor = layout::place(new RichTextBox(this), grid, layout::kLanguageEditor,
                                layout::indexedName("rtbText", i), layout::kEditorTip, offset);
-    bodyEditor->setAccessibleName(toQString(infoOf(Language(i)).tabCaption));
+    bodyEditor->setAccessibleName(languageName(i, layout::kEditorName));
 }
 
-PreviewPage::PreviewPage(int language, QPoint offset, QWidget* parent) : QWidget(parent) {
-    pane = layout::place(new RichTextBox(this), layout::kPreviewPane,
+PreviewPage::PreviewPage(int language, const layout::Grid& grid, QPoint offset, QWidget* parent)
+    : QWidget(parent) {
+    pane = layout::place(new RichTextBox(this), grid, layout::kPreviewPane,
                          layout::indexedName("rtbText", editor::kPreviewIndexOffset + language),
                          layout::kPreviewTips[language], offset);
-    pane->setAccessibleName(toQString(infoOf(Language(language)).previewCaption));
+    pane->setAccessibleName(languageName(language, layout::kPreviewName));
+    // The game's page, whatever the desktop's theme: its default text is black.
+    QPalette page = pane->palette();
+    page.setColor(QPalette::Base, layout::kPreviewPageColour);
+    page.setColor(QPalette::Text, layout::kPreviewTextColour);
+    pane->setPalette(page);
 }
 
 }  // namespace lorekeep::ui

@@ -7,6 +7,7 @@
 
 #include "editor/schema_editor.hpp"
 #include "ui/rich_text_box.hpp"
+#include "ui/window_layout.hpp"
 
 namespace lorekeep::ui {
 
@@ -18,7 +19,8 @@ class LanguagePage : public QWidget {
 
   public:
     // `offset`: where the page's corner lies in the tab container.
-    LanguagePage(int language, QPoint offset, QWidget* parent = nullptr);
+    LanguagePage(int language, const layout::Grid& grid, QPoint offset,
+                 QWidget* parent = nullptr);
 
     QPushButton* leftJustifyButton;
     QPushButton* rightJustifyButton;
@@ -38,7 +40,7 @@ class PreviewPage : public QWidget {
     Q_OBJECT
 
   public:
-    PreviewPage(int language, QPoint offset, QWidget* parent = nullptr);
+    PreviewPage(int language, const layout::Grid& grid, QPoint offset, QWidget* parent = nullptr);
 
     RichTextBox* pane;
 };

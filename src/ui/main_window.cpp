@@ -4,6 +4,7 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QMimeData>
 #include <QShortcut>
@@ -40,10 +41,13 @@ QStringList tabCaptions() {
 MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(toQString(texts::kWindowCaption));
-    setFixedSize(layout::toPixels(layout::kClientArea).size());
+    // Laid out for the font the controls will use; the window is created
+    // once, so a later change of the desktop's font shows at the next start.
+    const layout::Grid grid = layout::Grid::forFont(font());
+    setFixedSize(grid.toPixels(layout::kClientArea).size());
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                    Qt::WindowCloseButtonHint);
-    createControls();
+    createControls(grid);
     silenceInheritedTooltips();
     setFocusOrder();
     m_messageBox = std::make_unique<QtMessageBox>(this);
@@ -73,26 +77,33 @@ RichTextBox* MainWindow::richTextBox(int k) const {
                                            : previewPages[k - editor::kPreviewIndexOffset]->pane;
 }
 
-void MainWindow::createControls() {
-    schemaFrame =
-        place(new QGroupBox(toQString(layout::kFrame1Caption), this), layout::kFrame1, "Frame1");
-    folderLabel = place(new QLabel(toQString(layout::kLabel1Caption), schemaFrame), layout::kLabel1,
-                        "Label1");
-    nameLabel = place(new QLabel(toQString(layout::kLabel2Caption), schemaFrame), layout::kLabel2,
-                      "Label2");
-    folderBox = place(new QLineEdit(schemaFrame), layout::kTxtLoc, "txtLoc", layout::kTxtLocTip);
-    locationButton = place(new CaptionButton(toQString(layout::kCmdLocCaption), schemaFrame),
+void MainWindow::createControls(const layout::Grid& grid) {
+    schemaFrame = place(new QGroupBox(toQString(layout::kFrame1Caption), this), grid,
+                        layout::kFrame1, "Frame1");
+    folderLabel = place(new QLabel(toQString(layout::kLabel1Caption), schemaFrame), grid,
+                        layout::kLabel1, "Label1");
+    nameLabel = place(new QLabel(toQString(layout::kLabel2Caption), schemaFrame), grid,
+                      layout::kLabel2, "Label2");
+    folderBox =
+        place(new QLineEdit(schemaFrame), grid, layout::kTxtLoc, "txtLoc", layout::kTxtLocTip);
+    locationButton = place(new CaptionButton(toQString(layout::kCmdLocCaption), schemaFrame), grid,
                            layout::kCmdLoc, "cmdLoc");
-    nameBox = place(new QLineEdit(schemaFrame), layout::kTxtName, "txtName", layout::kTxtNameTip);
+    nameBox =
+        place(new QLineEdit(schemaFrame), grid, layout::kTxtName, "txtName", layout::kTxtNameTip);
     folderLabel->setBuddy(folderBox);
     nameLabel->setBuddy(nameBox);
+    folderBox->setAccessibleName(toQString(layout::kTxtLocName));
+    nameBox->setAccessibleName(toQString(layout::kTxtNameName));
+    // "..." read aloud says nothing; the button is named after what it opens.
+    locationButton->setAccessibleName(toQString(texts::kLocationDialogTitle));
     folderBox->setMaxLength(static_cast<int>(editor::kMaxLineLength));
     nameBox->setMaxLength(static_cast<int>(editor::kMaxLineLength));
 
-    fontLabel =
-        place(new QLabel(toQString(layout::kLabel4Caption), this), layout::kLabel4, "Label4");
-    fontBox = place(new QComboBox(this), layout::kCboFont, "cboFont", layout::kCboFontTip);
+    fontLabel = place(new QLabel(toQString(layout::kLabel4Caption), this), grid, layout::kLabel4,
+                      "Label4");
+    fontBox = place(new QComboBox(this), grid, layout::kCboFont, "cboFont", layout::kCboFontTip);
     fontLabel->setBuddy(fontBox);
+    fontBox->setAccessibleName(toQString(layout::kCboFontName));
     fontBox->setEditable(true);
     // Typed names are saved as typed: never added to the list, never completed.
     fontBox->setInsertPolicy(QComboBox::NoInsert);
@@ -104,20 +115,20 @@ void MainWindow::createControls() {
     fontBox->setCurrentIndex(-1);
     fontBox->setEditText(toQString(layout::kFontBoxInitialText));
 
-    saveButton = place(new CaptionButton(toQString(layout::kCmdSaveCaption), this),
+    saveButton = place(new CaptionButton(toQString(layout::kCmdSaveCaption), this), grid,
                        layout::kCmdSave, "cmdSave", layout::kCmdSaveTip);
-    loadButton = place(new CaptionButton(toQString(layout::kCmdLoadCaption), this),
+    loadButton = place(new CaptionButton(toQString(layout::kCmdLoadCaption), this), grid,
                        layout::kCmdLoad, "cmdLoad", layout::kCmdLoadTip);
 
     tabs = place(new TabContainer(tabCaptions(), layout::kTabsPerRow,
-                                  layout::kTabRowHeight / layout::kTwipsPerPixel, this),
-                 layout::kTabMain, "tabMain", layout::kTabMainTip);
+                                  grid.pixels(layout::kTabRowHeight), this),
+                 grid, layout::kTabMain, "tabMain", layout::kTabMainTip);
     for (int i = 0; i < kLanguageCount; ++i) {
-        languagePages[i] = new LanguagePage(i, tabs->pageOffset());
+        languagePages[i] = new LanguagePage(i, grid, tabs->pageOffset());
         tabs->addPage(languagePages[i]);
     }
     for (int i = 0; i < kLanguageCount; ++i) {
-        previewPages[i] = new PreviewPage(i, tabs->pageOffset());
+        previewPages[i] = new PreviewPage(i, grid, tabs->pageOffset());
         tabs->addPage(previewPages[i]);
     }
 }
@@ -167,6 +178,15 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     const QEvent::Type type = event->type();
     if (type == QEvent::DragEnter || type == QEvent::DragMove || type == QEvent::Drop) {
         return filterFileDrop(event) || QWidget::eventFilter(watched, event);
+    }
+    if (type == QEvent::KeyPress) {
+        // Qt's text boxes type the letter of an Alt or Meta chord ("s" for
+        // Alt+S); here such a chord is a key, never text.
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if ((key->modifiers() & (Qt::AltModifier | Qt::MetaModifier)) != 0 &&
+            !key->text().isEmpty() && key->text().front().isPrint()) {
+            return true;
+        }
     }
     if (type == QEvent::ToolTip && watched->property(kOwnTooltipOnly).toBool()) {
         auto* widget = qobject_cast<QWidget*>(watched);
@@ -275,6 +295,11 @@ void MainWindow::connectEvents() {
     connect(locationButton, &QPushButton::clicked, this, [this] { m_editor->locationClicked(); });
     connect(saveButton, &QPushButton::clicked, this, [this] { m_editor->saveClicked(); });
     connect(loadButton, &QPushButton::clicked, this, [this] { m_editor->loadClicked(); });
+    // Ctrl+S saves as the save button does; Ctrl+O picks a file to open.
+    auto* save = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this);
+    connect(save, &QShortcut::activated, this, [this] { m_editor->saveClicked(); });
+    auto* open = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_O), this);
+    connect(open, &QShortcut::activated, this, [this] { m_editor->openClicked(); });
     // Ctrl+Tab and Ctrl+Shift+Tab step through the pages, as in any tabbed window.
     auto* next = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Tab), this);
     connect(next, &QShortcut::activated, tabs, [this] { tabs->cycle(1); });

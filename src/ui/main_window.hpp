@@ -14,6 +14,7 @@
 #include "ui/language_page.hpp"
 #include "ui/qt_controls.hpp"
 #include "ui/tab_container.hpp"
+#include "ui/window_layout.hpp"
 
 namespace lorekeep::ui {
 
@@ -68,7 +69,7 @@ class MainWindow : public QWidget {
     // Takes a drop of one schema file anywhere on the window and refuses any
     // other drop of files, so that no text box ever types a file's address.
     bool filterFileDrop(QEvent* event);
-    void createControls();
+    void createControls(const layout::Grid& grid);
     void silenceInheritedTooltips();
     void setFocusOrder();
     void connectEvents();

@@ -2,13 +2,133 @@
 
 #include "ui/caption_button.hpp"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QHash>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QMouseEvent>
 #include <QStyleOptionTab>
 #include <QStyleOptionTabWidgetFrame>
 #include <QStylePainter>
 
 namespace lorekeep::ui {
+
+namespace {
+
+// One tab of the strip as a screen reader sees it: a page tab with its
+// caption, selected when its page is up, pressed to bring its page up.
+class AccessibleTab final : public QAccessibleInterface, public QAccessibleActionInterface {
+  public:
+    AccessibleTab(TwoRowTabStrip* strip, int index) : m_strip(strip), m_index(index) {}
+
+    bool isValid() const override { return !m_strip.isNull(); }
+    QObject* object() const override { return nullptr; }
+    QWindow* window() const override {
+        return m_strip ? m_strip->window()->windowHandle() : nullptr;
+    }
+    QAccessibleInterface* parent() const override {
+        return QAccessible::queryAccessibleInterface(m_strip.data());
+    }
+    QAccessibleInterface* child(int) const override { return nullptr; }
+    QAccessibleInterface* childAt(int, int) const override { return nullptr; }
+    int childCount() const override { return 0; }
+    int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+    QString text(QAccessible::Text t) const override {
+        return t == QAccessible::Name && m_strip ? m_strip->caption(m_index) : QString();
+    }
+    void setText(QAccessible::Text, const QString&) override {}
+    QRect rect() const override {
+        if (!m_strip) {
+            return {};
+        }
+        const QRect tab = m_strip->tabRect(m_index);
+        return {m_strip->mapToGlobal(tab.topLeft()), tab.size()};
+    }
+    QAccessible::Role role() const override { return QAccessible::PageTab; }
+    QAccessible::State state() const override {
+        QAccessible::State s;
+        if (!m_strip) {
+            s.invalid = true;
+            return s;
+        }
+        const bool current = m_strip->currentIndex() == m_index;
+        s.focusable = true;
+        s.selectable = true;
+        s.selected = current;
+        s.focused = current && m_strip->hasFocus();
+        s.invisible = !m_strip->isVisible();
+        return s;
+    }
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
+                                                    : nullptr;
+    }
+
+    QStringList actionNames() const override { return {pressAction()}; }
+    void doAction(const QString& name) override {
+        if (m_strip && name == pressAction()) {
+            m_strip->setCurrentIndex(m_index);
+        }
+    }
+    QStringList keyBindingsForAction(const QString&) const override { return {}; }
+
+  private:
+    QPointer<TwoRowTabStrip> m_strip;
+    int m_index;
+};
+
+// The strip as a page tab list whose children are its tabs.
+class AccessibleTabStrip final : public QAccessibleWidget {
+  public:
+    explicit AccessibleTabStrip(TwoRowTabStrip* strip)
+        : QAccessibleWidget(strip, QAccessible::PageTabList) {}
+    ~AccessibleTabStrip() override {
+        for (QAccessible::Id id : std::as_const(m_tabs)) {
+            QAccessible::deleteAccessibleInterface(id);
+        }
+    }
+
+    int childCount() const override { return strip()->count(); }
+    QAccessibleInterface* child(int index) const override {
+        if (index < 0 || index >= childCount()) {
+            return nullptr;
+        }
+        if (!m_tabs.contains(index)) {
+            m_tabs.insert(index, QAccessible::registerAccessibleInterface(
+                                     new AccessibleTab(strip(), index)));
+        }
+        return QAccessible::accessibleInterface(m_tabs.value(index));
+    }
+    int indexOfChild(const QAccessibleInterface* tab) const override {
+        for (auto it = m_tabs.cbegin(); it != m_tabs.cend(); ++it) {
+            if (QAccessible::accessibleInterface(it.value()) == tab) {
+                return it.key();
+            }
+        }
+        return -1;
+    }
+    QAccessibleInterface* childAt(int x, int y) const override {
+        return child(strip()->tabAt(strip()->mapFromGlobal(QPoint(x, y))));
+    }
+    QAccessibleInterface* focusChild() const override {
+        return strip()->hasFocus() ? child(strip()->currentIndex()) : nullptr;
+    }
+
+  private:
+    TwoRowTabStrip* strip() const { return static_cast<TwoRowTabStrip*>(widget()); }
+
+    mutable QHash<int, QAccessible::Id> m_tabs;
+};
+
+constexpr int kCaptionInset = 4;
+
+QAccessibleInterface* accessibleTabStrip(const QString&, QObject* object) {
+    auto* strip = qobject_cast<TwoRowTabStrip*>(object);
+    return strip != nullptr ? new AccessibleTabStrip(strip) : nullptr;
+}
+
+}  // namespace
 
 TwoRowTabStrip::TwoRowTabStrip(QStringList captions, int tabsPerRow, int rowHeight, QWidget* parent)
     : QWidget(parent),
@@ -17,14 +137,35 @@ TwoRowTabStrip::TwoRowTabStrip(QStringList captions, int tabsPerRow, int rowHeig
       m_rowHeight(rowHeight) {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
+    static const bool factoryInstalled = [] {
+        QAccessible::installFactory(accessibleTabStrip);
+        return true;
+    }();
+    Q_UNUSED(factoryInstalled);
 }
 
 void TwoRowTabStrip::setCurrentIndex(int index) {
     if (index < 0 || index >= count() || index == m_current) {
         return;
     }
+    const int previous = m_current;
     m_current = index;
     update();
+    if (QAccessible::isActive()) {
+        // Both tabs change their selected state; the new one takes the focus.
+        QAccessible::State selected;
+        selected.selected = true;
+        for (int tab : {previous, index}) {
+            QAccessibleStateChangeEvent change(this, selected);
+            change.setChild(tab);
+            QAccessible::updateAccessibility(&change);
+        }
+        if (hasFocus()) {
+            QAccessibleEvent focus(this, QAccessible::Focus);
+            focus.setChild(index);
+            QAccessible::updateAccessibility(&focus);
+        }
+    }
     emit currentChanged(index);
 }
 
@@ -36,6 +177,11 @@ QRect TwoRowTabStrip::tabRect(int index) const {
     const int left = width() * column / m_tabsPerRow;
     const int right = width() * (column + 1) / m_tabsPerRow;
     return {left, row * m_rowHeight, right - left, m_rowHeight};
+}
+
+QFont TwoRowTabStrip::captionFont(int index) const {
+    const QRect label = tabRect(index).adjusted(kCaptionInset, 0, -kCaptionInset, 0);
+    return fittedFont(font(), caption(index), label.size(), false);
 }
 
 int TwoRowTabStrip::tabAt(const QPoint& point) const {
@@ -77,9 +223,8 @@ void TwoRowTabStrip::paintEvent(QPaintEvent*) {
             option.state &= ~QStyle::State_Selected;
         }
         painter.drawControl(QStyle::CE_TabBarTabShape, option);
-        const QRect label = option.rect.adjusted(4, 0, -4, 0);
-        painter.setFont(fittedFont(font(), option.text, label.size(), false));
-        painter.drawItemText(label, Qt::AlignCenter, palette(), isEnabled(), option.text,
+        painter.setFont(captionFont(k));
+        painter.drawItemText(option.rect.adjusted(kCaptionInset, 0, -kCaptionInset, 0), Qt::AlignCenter, palette(), isEnabled(), option.text,
                              QPalette::WindowText);
         if (k == m_current && hasFocus()) {
             QStyleOptionFocusRect focus;

@@ -17,8 +17,11 @@ class TwoRowTabStrip : public QWidget {
     int currentIndex() const { return m_current; }
     void setCurrentIndex(int index);
     int count() const { return static_cast<int>(m_captions.size()); }
+    QString caption(int index) const { return m_captions.value(index); }
     QRect tabRect(int index) const;
     int tabAt(const QPoint& point) const;
+    // The font a tab's caption is drawn in: the strip's own unless it must shrink.
+    QFont captionFont(int index) const;
 
   signals:
     void currentChanged(int index);

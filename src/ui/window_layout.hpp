@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QColor>
+#include <QFont>
 #include <QRect>
 #include <QWidget>
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -20,18 +23,38 @@ struct TwipRect {
 
 inline constexpr int kTwipsPerPixel = 15;
 
-constexpr QRect toPixels(TwipRect r) {
-    return {r.left / kTwipsPerPixel, r.top / kTwipsPerPixel, r.width / kTwipsPerPixel,
-            r.height / kTwipsPerPixel};
-}
+// The toolkit's own default font, at which the twips above are exact.
+inline constexpr qreal kDefaultPointSize = 9.0;
+
+// Turns twips into pixels for one window.
+class Grid {
+  public:
+    explicit constexpr Grid(qreal scale = 1.0) : m_scale(scale) {}
+
+    // The grid for a window whose controls use `font`. At the default font
+    // or a smaller one it is the twips' own; a larger font scales every place
+    // and size alike, as a form grows under large-font settings: at least in
+    // proportion to the font's size, and as far as it takes for every caption
+    // to fit its control in the full font.
+    static Grid forFont(const QFont& font);
+
+    qreal scale() const { return m_scale; }
+    int pixels(int twips) const { return static_cast<int>(twips * m_scale / kTwipsPerPixel); }
+    QRect toPixels(TwipRect r) const {
+        return {pixels(r.left), pixels(r.top), pixels(r.width), pixels(r.height)};
+    }
+
+  private:
+    qreal m_scale;
+};
 
 // Puts a control at its place under its name: `where` is measured from the
 // corner of what the tables measure it from, which lies `offset` pixels
 // before the corner of the widget's parent.
 template <typename W>
-W* place(W* widget, TwipRect where, const QString& name, std::u16string_view tip = {},
-         QPoint offset = {}) {
-    widget->setGeometry(toPixels(where).translated(-offset));
+W* place(W* widget, const Grid& grid, TwipRect where, const QString& name,
+         std::u16string_view tip = {}, QPoint offset = {}) {
+    widget->setGeometry(grid.toPixels(where).translated(-offset));
     widget->setObjectName(name);
     if (!tip.empty()) {
         widget->setToolTip(toQString(tip));
@@ -79,6 +102,21 @@ inline constexpr TwipRect kLabel3{120, 1320, 495, 255};
 inline constexpr TwipRect kTxtTitle{600, 1320, 5175, 285};
 inline constexpr TwipRect kLanguageEditor{120, 1680, 5655, 3255};
 inline constexpr TwipRect kPreviewPane{120, 720, 5655, 4215};
+
+// The preview panes show the game's light page in every desktop theme.
+inline constexpr QColor kPreviewPageColour{255, 255, 255};
+inline constexpr QColor kPreviewTextColour{0, 0, 0};
+
+// What a screen reader announces for a control whose caption alone would not
+// say it: a language's own controls carry the language in front ("French
+// title", "German Red").
+inline constexpr std::u16string_view kTxtLocName = u"Schema File Folder";
+inline constexpr std::u16string_view kTxtNameName = u"Schema Name";
+inline constexpr std::u16string_view kCboFontName = u"Font";
+inline constexpr std::array<std::u16string_view, 3> kColourBoxNames{u"Red", u"Green", u"Blue"};
+inline constexpr std::u16string_view kTitleName = u"title";
+inline constexpr std::u16string_view kEditorName = u"text";
+inline constexpr std::u16string_view kPreviewName = u"preview";
 
 // Captions, initial texts and tooltips.
 inline constexpr std::u16string_view kFrame1Caption = u"Schema";

@@ -128,6 +128,33 @@ class EditingTest : public QObject {
         QCOMPARE(w.nameBox->text(), "missing");
     }
 
+    // Ctrl+S saves as the save button does and Ctrl+O opens the file picked
+    // in the dialog's open form; neither they nor an Alt chord type a thing.
+    void keyboardShortcuts() {
+        MainWindow& w = *m_window;
+        QTemporaryDir dir;
+        w.folderBox->setText(dir.path() + "/");
+        w.nameBox->setText("tower");
+        RichTextBox* body = w.richTextBox(0);
+        body->setFocus();
+        QTest::keyClicks(body, "Hello");
+        QTest::keyClick(body, Qt::Key_S, Qt::ControlModifier);
+        QVERIFY(QFile::exists(dir.filePath("tower.sch")));
+        QTest::keyClick(body, Qt::Key_S, Qt::AltModifier);
+        QTest::keyClick(w.nameBox, Qt::Key_O, Qt::AltModifier);
+        QTest::keyClick(w.nameBox, Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(text(body), "Hello");
+        QCOMPARE(w.nameBox->text(), "tower");
+        QTest::keyClicks(body, " world");
+        w.nameBox->clear();
+        m_dialog.nextPath = fromQString(dir.filePath("tower.sch"));
+        QTest::keyClick(body, Qt::Key_O, Qt::ControlModifier);
+        QVERIFY(m_dialog.openForm);
+        QCOMPARE(text(body), "Hello");
+        QCOMPARE(w.nameBox->text(), "tower");
+        QVERIFY(m_messages.shown.empty());
+    }
+
     // Copy, then a save and a load through the buttons; copy and load are each
     // one undo step of every editor they change.
     void copySaveAndLoadThroughTheButtons() {

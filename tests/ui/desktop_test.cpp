@@ -1,0 +1,235 @@
+#include <QAccessible>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QtTest>
+#include <map>
+
+#include "ui/caption_button.hpp"
+#include "ui/main_window.hpp"
+#include "ui/qt_text.hpp"
+
+using namespace lorekeep;
+using namespace lorekeep::ui;
+
+namespace {
+
+// Every accessible interface under `root`, depth first.
+void walk(QAccessibleInterface* root, std::vector<QAccessibleInterface*>& all) {
+    all.push_back(root);
+    for (int k = 0; k < root->childCount(); ++k) {
+        if (QAccessibleInterface* child = root->child(k)) {
+            walk(child, all);
+        }
+    }
+}
+
+double luminance(QColor c) {
+    auto channel = [](int v) {
+        const double s = v / 255.0;
+        return s <= 0.03928 ? s / 12.92 : std::pow((s + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(c.red()) + 0.7152 * channel(c.green()) + 0.0722 * channel(c.blue());
+}
+
+QPalette darkPalette() {
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(53, 53, 53));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    dark.setColor(QPalette::Base, QColor(42, 42, 42));
+    dark.setColor(QPalette::AlternateBase, QColor(66, 66, 66));
+    dark.setColor(QPalette::Text, Qt::white);
+    dark.setColor(QPalette::Button, QColor(53, 53, 53));
+    dark.setColor(QPalette::ButtonText, Qt::white);
+    return dark;
+}
+
+}  // namespace
+
+// The window as a desktop user meets it beyond the mouse: through a screen
+// reader, in a dark theme and with a larger font.
+class DesktopTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<MainWindow> m_window;
+
+    MainWindow& shownWindow() {
+        m_window = std::make_unique<MainWindow>();
+        m_window->show();
+        if (!QTest::qWaitForWindowExposed(m_window.get())) {
+            qFatal("the window never showed");
+        }
+        return *m_window;
+    }
+
+  private slots:
+    void cleanup() {
+        m_window.reset();
+        QApplication::setFont(QFont());
+        QApplication::setPalette(QPalette());
+    }
+
+    // Every box a user types into has a name of its own, taken from what the
+    // window shows beside it.
+    void everyControlIsNamed() {
+        MainWindow& w = shownWindow();
+        std::vector<QAccessibleInterface*> all;
+        walk(QAccessible::queryAccessibleInterface(&w), all);
+        std::map<QString, QString> names;  // object name -> accessible name
+        QStringList editableNames;
+        for (QAccessibleInterface* node : all) {
+            const QObject* object = node->object();
+            if (object == nullptr || object->objectName().isEmpty()) {
+                continue;
+            }
+            const QString name = node->text(QAccessible::Name);
+            names[object->objectName()] = name;
+            if (node->role() == QAccessible::EditableText) {
+                editableNames << name;
+            }
+            if (object->isWidgetType() && static_cast<const QWidget*>(object)->focusPolicy() != Qt::NoFocus) {
+                QVERIFY2(!name.isEmpty(), qPrintable(object->objectName()));
+            }
+        }
+        // Folder, name, 12 colour boxes, 4 titles, 8 rich-text boxes: all told apart.
+        QCOMPARE(editableNames.size(), 26);
+        QCOMPARE(QSet<QString>(editableNames.begin(), editableNames.end()).size(), 26);
+        const std::map<QString, QString> expected{
+            {"txtLoc", "Schema File Folder"}, {"txtName", "Schema Name"},
+            {"cboFont", "Font"},              {"cmdSave", "Save Schema"},
+            {"txtColor(0)", "English Red"},   {"txtColor(7)", "German Green"},
+            {"txtTitle(3)", "Italian title"}, {"rtbText(1)", "French text"},
+            {"rtbText(4)", "English preview"}, {"cmdLoc", "Choose a schema location and name"},
+        };
+        for (const auto& [object, name] : expected) {
+            QCOMPARE(names[object], name);
+        }
+        // A label is announced as its box's label.
+        QAccessibleInterface* folder = QAccessible::queryAccessibleInterface(w.folderBox);
+        const auto labels = folder->relations(QAccessible::Label);
+        QVERIFY(std::ranges::any_of(labels, [&](const auto& relation) {
+            return relation.first->object() == w.folderLabel;
+        }));
+    }
+
+    // The strip is a page tab list: its tabs carry their captions, their
+    // place and which one is up, and pressing one brings its page up.
+    void tabStripIsAPageTabList() {
+        MainWindow& w = shownWindow();
+        QAccessibleInterface* strip = QAccessible::queryAccessibleInterface(w.tabs->strip());
+        QCOMPARE(strip->role(), QAccessible::PageTabList);
+        QCOMPARE(strip->childCount(), 8);
+        const QStringList captions{"English",        "French",        "German",
+                                   "Italian",        "English Parsed", "French Parsed",
+                                   "German Parsed",  "Italian Parsed"};
+        for (int k = 0; k < 8; ++k) {
+            QAccessibleInterface* tab = strip->child(k);
+            QCOMPARE(tab->role(), QAccessible::PageTab);
+            QCOMPARE(tab->text(QAccessible::Name), captions[k]);
+            QCOMPARE(tab->state().selected, k == 0);
+            QCOMPARE(tab->parent(), strip);
+            QCOMPARE(strip->indexOfChild(tab), k);
+            QCOMPARE(strip->childAt(tab->rect().center().x(), tab->rect().center().y()), tab);
+        }
+        QAccessibleInterface* germanParsed = strip->child(6);
+        QAccessibleActionInterface* actions = germanParsed->actionInterface();
+        QVERIFY(actions != nullptr);
+        QVERIFY(actions->actionNames().contains(QAccessibleActionInterface::pressAction()));
+        actions->doAction(QAccessibleActionInterface::pressAction());
+        QCOMPARE(w.tabs->currentIndex(), 6);
+        QVERIFY(w.previewPages[2]->isVisible());
+        QVERIFY(germanParsed->state().selected);
+        QVERIFY(!strip->child(0)->state().selected);
+    }
+
+    // Under a dark desktop theme the editors follow the theme, while the
+    // preview stays the game's light page with readable black text, both
+    // for text in the pane's own colour and for text after a black marker.
+    void previewKeepsTheGamesPageInADarkTheme_data() {
+        QTest::addColumn<QString>("body");
+        QTest::newRow("default colour") << "MMMM WWWW";
+        QTest::newRow("black marker") << "\\n<dc=200,0,0>\\nx\\n<dc=0,0,0>\\nMMMM WWWW";
+    }
+    void previewKeepsTheGamesPageInADarkTheme() {
+        QFETCH(QString, body);
+        QApplication::setPalette(darkPalette());
+        MainWindow& w = shownWindow();
+        RichTextBox* editor = w.richTextBox(0);
+        QCOMPARE(editor->palette().color(QPalette::Base), QColor(42, 42, 42));
+        editor->replaceText(fromQString(body));
+        w.tabs->setCurrentIndex(4);
+        RichTextBox* pane = w.richTextBox(4);
+        const QImage picture = pane->viewport()->grab().toImage();
+        const QColor page = picture.pixelColor(picture.width() - 2, picture.height() - 2);
+        // The darkest pixel: the words in black, in both bodies.
+        QColor darkest = page;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                const QColor c = picture.pixelColor(x, y);
+                if (luminance(c) < luminance(darkest)) {
+                    darkest = c;
+                }
+            }
+        }
+        const double contrast = (luminance(page) + 0.05) / (luminance(darkest) + 0.05);
+        QVERIFY2(contrast >= 7.0, qPrintable(QString::number(contrast)));
+    }
+
+    // At the toolkit's default font the window has its twips' exact pixel
+    // geometry. A larger font scales every place and size alike, at least in
+    // proportion to the font, and every caption fits its control in the full
+    // font.
+    void largerFontsScaleTheWindow_data() {
+        QTest::addColumn<qreal>("points");
+        QTest::newRow("default") << 9.0;
+        QTest::newRow("11 pt") << 11.0;
+        QTest::newRow("12 pt") << 12.0;
+    }
+    void largerFontsScaleTheWindow() {
+        QFETCH(qreal, points);
+        QFont font(QStringLiteral("DejaVu Sans"));
+        font.setPointSizeF(points);
+        QApplication::setFont(font);
+        MainWindow& w = shownWindow();
+        const QRect copy =
+            w.languagePages[1]->copyButton->geometry().translated(w.tabs->pageOffset());
+        if (points == 9.0) {
+            QCOMPARE(w.size(), QSize(421, 471));
+            QCOMPARE(copy, QRect(288, 48, 97, 33));
+            QCOMPARE(w.fontBox->geometry(), QRect(48, 104, 105, 21));
+            return;  // the default font's own captions are drawn as they fit
+        }
+        const double scale = w.width() / 421.0;
+        QVERIFY(scale >= points / 9.0 - 0.01);
+        QVERIFY(std::abs(w.height() - 471 * scale) <= 1.0);
+        QVERIFY(std::abs(copy.x() - 288 * scale) <= 1.0 && std::abs(copy.y() - 48 * scale) <= 1.0);
+        QVERIFY(std::abs(copy.width() - 97 * scale) <= 1.0);
+        for (const QWidget* control : w.findChildren<QWidget*>()) {
+            QVERIFY2(control->font().pointSizeF() >= points, qPrintable(control->objectName()));
+        }
+        for (const auto* label : w.findChildren<QLabel*>()) {
+            const QFontMetrics metrics(label->font());
+            QVERIFY2(metrics.horizontalAdvance(label->text()) <= label->contentsRect().width() &&
+                         metrics.height() <= label->contentsRect().height(),
+                     qPrintable(label->objectName()));
+        }
+        for (const auto* button : w.findChildren<CaptionButton*>()) {
+            QVERIFY2(button->captionFont().pointSizeF() == points, qPrintable(button->objectName()));
+        }
+        for (int k = 0; k < w.tabs->strip()->count(); ++k) {
+            QCOMPARE(w.tabs->strip()->captionFont(k).pointSizeF(), points);
+        }
+        const QFontMetrics metrics(font);
+        QVERIFY(metrics.horizontalAdvance(w.schemaFrame->title()) < w.schemaFrame->width() / 2);
+        for (int k = 0; k < w.fontBox->count(); ++k) {
+            QVERIFY2(metrics.horizontalAdvance(w.fontBox->itemText(k)) <=
+                         w.fontBox->lineEdit()->width(),
+                     qPrintable(w.fontBox->itemText(k)));
+        }
+        for (const auto* box : w.findChildren<QLineEdit*>()) {
+            QVERIFY2(metrics.height() <= box->height(), qPrintable(box->objectName()));
+        }
+    }
+};
+
+QTEST_MAIN(DesktopTest)
+#include "desktop_test.moc"
