@@ -6,6 +6,6 @@ cd "$(dirname "$0")/.."
 
 LOREKEEP_EXTRA_PACKAGES="dpkg-dev file" scripts/install-deps.sh
 cmake --preset release >/dev/null
-cmake --build --preset release --target lorekeep
+cmake --build --preset release --target lorekeep lorekeep_compressed_docs
 cpack --config build/release/CPackConfig.cmake -B build/release/package
 ls build/release/package/*.deb
