@@ -7,6 +7,7 @@ set -euo pipefail
 packages=(
     build-essential cmake ninja-build        # compiler and build tools
     qt6-base-dev libgl-dev                   # Qt 6 Widgets
+    libqt6svg6                               # draws the SVG window icon
     libgtest-dev libgmock-dev                # unit tests
     libbenchmark-dev                         # benchmarks
     desktop-file-utils appstream             # check the desktop entry and the metainfo
