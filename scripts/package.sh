@@ -25,6 +25,7 @@ echo "== lintian"
 report=$(lintian --fail-on none "$deb") || { echo "lintian did not run" >&2; exit 1; }
 [ -n "$report" ] && echo "$report"
 # The README lists each warning left as "- `tag`: reason".
+# shellcheck disable=SC2016  # the backquotes are Markdown's
 allowed=$(sed -n '/^### Lintian warnings left/,/^#/p' README.md |
           sed -n 's/^- `\([a-z0-9.+-]*\)`: *[^ ].*/\1/p')
 while read -r severity _ tag _; do
