@@ -7,9 +7,10 @@ set -euo pipefail
 packages=(
     build-essential cmake ninja-build        # compiler and build tools
     qt6-base-dev libgl-dev                   # Qt 6 Widgets
+    libqt6svg6                               # draws the SVG window icon
     libgtest-dev libgmock-dev                # unit tests
     libbenchmark-dev                         # benchmarks
-    desktop-file-utils                       # checks the desktop entry
+    desktop-file-utils appstream             # check the desktop entry and the metainfo
 )
 # Tools that only some scripts need (the screenshot, fuzzing) ask for more.
 read -r -a extra <<< "${LOREKEEP_EXTRA_PACKAGES:-}"

@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QIcon>
 #include <QTimer>
 #include <csignal>
 #include <cstdio>
@@ -60,6 +61,20 @@ std::optional<int> readCommandLine(int argc, char* argv[], QString& file) {
     return std::nullopt;
 }
 
+// The window icon: the icon theme's, else the SVG installed beside the
+// program, else the source tree's for a build that is not installed.
+QIcon windowIcon() {
+    QIcon icon = QIcon::fromTheme(QStringLiteral("lorekeep"));
+    const QString installed = QCoreApplication::applicationDirPath() +
+                              QStringLiteral("/../share/icons/hicolor/scalable/apps/lorekeep.svg");
+    for (const QString& path : {installed, QStringLiteral(LOREKEEP_SOURCE_ICON)}) {
+        if (icon.isNull()) {
+            icon = QIcon(path);
+        }
+    }
+    return icon;
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -73,6 +88,8 @@ int main(int argc, char* argv[]) {
     }
     QApplication app(argc, argv);
     QApplication::setApplicationName(lorekeep::ui::toQString(lorekeep::texts::kProgramTitle));
+    QGuiApplication::setDesktopFileName(QStringLiteral(LOREKEEP_APP_ID));
+    QApplication::setWindowIcon(windowIcon());
     lorekeep::ui::MainWindow window;
     window.show();
     if (!file.isEmpty()) {
