@@ -37,7 +37,8 @@ std::optional<int> readCommandLine(int argc, char* argv[], QString& file) {
                                  QStringLiteral("A schema file (.sch) to open."),
                                  QStringLiteral("[file]"));
     const bool parsed = parser.parse(QCoreApplication::arguments());
-    if (parsed && parser.isSet(QStringLiteral("help"))) {
+    if (parsed &&
+        (parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("help-all")))) {
         parser.showHelp(0);
     }
     if (parsed && parser.isSet(QStringLiteral("version"))) {

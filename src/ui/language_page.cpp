@@ -42,8 +42,8 @@ LanguagePage::LanguagePage(int language, const layout::Grid& grid, QPoint offset
     }
     for (int c = 0; c < editor::kColourBoxesPerLanguage; ++c) {
         colourBoxes[c] = layout::place(
-            new QLineEdit(toQString(layout::kColourBoxInitialText), this), grid, layout::kTxtColor[c],
-            layout::indexedName("txtColor", first + c), {}, offset);
+            new QLineEdit(toQString(layout::kColourBoxInitialText), this), grid,
+            layout::kTxtColor[c], layout::indexedName("txtColor", first + c), {}, offset);
         colourBoxes[c]->setEnabled(false);
         colourLabels[c]->setBuddy(colourBoxes[c]);
         colourBoxes[c]->setAccessibleName(languageName(i, layout::kColourBoxNames[c]));
@@ -53,8 +53,8 @@ LanguagePage::LanguagePage(int language, const layout::Grid& grid, QPoint offset
     copyButton =
         button(layout::kCmdCopyCaption, layout::kCmdCopy, "cmdCopy", layout::kCmdCopyTips[i]);
 
-    titleLabel = layout::place(new QLabel(toQString(layout::kLabel3Caption), this), grid, layout::kLabel3,
-                               layout::indexedName("Label3", i), {}, offset);
+    titleLabel = layout::place(new QLabel(toQString(layout::kLabel3Caption), this), grid,
+                               layout::kLabel3, layout::indexedName("Label3", i), {}, offset);
     titleBox = layout::place(new QLineEdit(this), grid, layout::kTxtTitle,
                              layout::indexedName("txtTitle", i), layout::kTxtTitleTip, offset);
     titleLabel->setBuddy(titleBox);

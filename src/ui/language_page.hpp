@@ -19,8 +19,7 @@ class LanguagePage : public QWidget {
 
   public:
     // `offset`: where the page's corner lies in the tab container.
-    LanguagePage(int language, const layout::Grid& grid, QPoint offset,
-                 QWidget* parent = nullptr);
+    LanguagePage(int language, const layout::Grid& grid, QPoint offset, QWidget* parent = nullptr);
 
     QPushButton* leftJustifyButton;
     QPushButton* rightJustifyButton;

@@ -99,8 +99,8 @@ void MainWindow::createControls(const layout::Grid& grid) {
     folderBox->setMaxLength(static_cast<int>(editor::kMaxLineLength));
     nameBox->setMaxLength(static_cast<int>(editor::kMaxLineLength));
 
-    fontLabel = place(new QLabel(toQString(layout::kLabel4Caption), this), grid, layout::kLabel4,
-                      "Label4");
+    fontLabel =
+        place(new QLabel(toQString(layout::kLabel4Caption), this), grid, layout::kLabel4, "Label4");
     fontBox = place(new QComboBox(this), grid, layout::kCboFont, "cboFont", layout::kCboFontTip);
     fontLabel->setBuddy(fontBox);
     fontBox->setAccessibleName(toQString(layout::kCboFontName));

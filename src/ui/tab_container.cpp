@@ -6,8 +6,8 @@
 #include <QAccessibleWidget>
 #include <QHash>
 #include <QKeyEvent>
-#include <QPointer>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QStyleOptionTab>
 #include <QStyleOptionTabWidgetFrame>
 #include <QStylePainter>
@@ -95,8 +95,8 @@ class AccessibleTabStrip final : public QAccessibleWidget {
             return nullptr;
         }
         if (!m_tabs.contains(index)) {
-            m_tabs.insert(index, QAccessible::registerAccessibleInterface(
-                                     new AccessibleTab(strip(), index)));
+            m_tabs.insert(
+                index, QAccessible::registerAccessibleInterface(new AccessibleTab(strip(), index)));
         }
         return QAccessible::accessibleInterface(m_tabs.value(index));
     }
@@ -224,7 +224,8 @@ void TwoRowTabStrip::paintEvent(QPaintEvent*) {
         }
         painter.drawControl(QStyle::CE_TabBarTabShape, option);
         painter.setFont(captionFont(k));
-        painter.drawItemText(option.rect.adjusted(kCaptionInset, 0, -kCaptionInset, 0), Qt::AlignCenter, palette(), isEnabled(), option.text,
+        painter.drawItemText(option.rect.adjusted(kCaptionInset, 0, -kCaptionInset, 0),
+                             Qt::AlignCenter, palette(), isEnabled(), option.text,
                              QPalette::WindowText);
         if (k == m_current && hasFocus()) {
             QStyleOptionFocusRect focus;

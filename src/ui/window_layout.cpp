@@ -86,8 +86,8 @@ Grid Grid::forFont(const QFont& font) {
     };
     for (const Fit& fit : fits) {
         const QString text = toQString(fit.text);
-        const qreal width = fit.lines == 1 ? metrics.boundingRect(text).width()
-                                           : twoLineWidth(metrics, text);
+        const qreal width =
+            fit.lines == 1 ? metrics.boundingRect(text).width() : twoLineWidth(metrics, text);
         // One pixel more than the text, since the grid's pixels are whole.
         atLeast(std::ceil(width) + fit.padding + 1, fit.width);
         atLeast(std::ceil(metrics.height()) * fit.lines + fit.heightPadding + 1, fit.height);

@@ -159,9 +159,7 @@ long memoryKb(const std::string& field) {
 // a 1 GB file costs less than 50 MB at the peak.
 TEST(FileCommands, HugeFilesAreRefusedUnread) {
     TempDir dir;
-    {
-        std::ofstream file(dir / "huge.sch");
-    }
+    { std::ofstream file(dir / "huge.sch"); }
     std::filesystem::resize_file(dir / "huge.sch", 1ull << 30);  // sparse: no disk used
     std::ofstream resetPeak("/proc/self/clear_refs");
     if (!(resetPeak << "5" << std::flush)) {

@@ -86,7 +86,8 @@ class DesktopTest : public QObject {
             if (node->role() == QAccessible::EditableText) {
                 editableNames << name;
             }
-            if (object->isWidgetType() && static_cast<const QWidget*>(object)->focusPolicy() != Qt::NoFocus) {
+            if (object->isWidgetType() &&
+                static_cast<const QWidget*>(object)->focusPolicy() != Qt::NoFocus) {
                 QVERIFY2(!name.isEmpty(), qPrintable(object->objectName()));
             }
         }
@@ -94,11 +95,16 @@ class DesktopTest : public QObject {
         QCOMPARE(editableNames.size(), 26);
         QCOMPARE(QSet<QString>(editableNames.begin(), editableNames.end()).size(), 26);
         const std::map<QString, QString> expected{
-            {"txtLoc", "Schema File Folder"}, {"txtName", "Schema Name"},
-            {"cboFont", "Font"},              {"cmdSave", "Save Schema"},
-            {"txtColor(0)", "English Red"},   {"txtColor(7)", "German Green"},
-            {"txtTitle(3)", "Italian title"}, {"rtbText(1)", "French text"},
-            {"rtbText(4)", "English preview"}, {"cmdLoc", "Choose a schema location and name"},
+            {"txtLoc", "Schema File Folder"},
+            {"txtName", "Schema Name"},
+            {"cboFont", "Font"},
+            {"cmdSave", "Save Schema"},
+            {"txtColor(0)", "English Red"},
+            {"txtColor(7)", "German Green"},
+            {"txtTitle(3)", "Italian title"},
+            {"rtbText(1)", "French text"},
+            {"rtbText(4)", "English preview"},
+            {"cmdLoc", "Choose a schema location and name"},
         };
         for (const auto& [object, name] : expected) {
             QCOMPARE(names[object], name);
@@ -118,9 +124,9 @@ class DesktopTest : public QObject {
         QAccessibleInterface* strip = QAccessible::queryAccessibleInterface(w.tabs->strip());
         QCOMPARE(strip->role(), QAccessible::PageTabList);
         QCOMPARE(strip->childCount(), 8);
-        const QStringList captions{"English",        "French",        "German",
-                                   "Italian",        "English Parsed", "French Parsed",
-                                   "German Parsed",  "Italian Parsed"};
+        const QStringList captions{"English",       "French",         "German",
+                                   "Italian",       "English Parsed", "French Parsed",
+                                   "German Parsed", "Italian Parsed"};
         for (int k = 0; k < 8; ++k) {
             QAccessibleInterface* tab = strip->child(k);
             QCOMPARE(tab->role(), QAccessible::PageTab);
@@ -213,7 +219,8 @@ class DesktopTest : public QObject {
                      qPrintable(label->objectName()));
         }
         for (const auto* button : w.findChildren<CaptionButton*>()) {
-            QVERIFY2(button->captionFont().pointSizeF() == points, qPrintable(button->objectName()));
+            QVERIFY2(button->captionFont().pointSizeF() == points,
+                     qPrintable(button->objectName()));
         }
         for (int k = 0; k < w.tabs->strip()->count(); ++k) {
             QCOMPARE(w.tabs->strip()->captionFont(k).pointSizeF(), points);
@@ -221,9 +228,9 @@ class DesktopTest : public QObject {
         const QFontMetrics metrics(font);
         QVERIFY(metrics.horizontalAdvance(w.schemaFrame->title()) < w.schemaFrame->width() / 2);
         for (int k = 0; k < w.fontBox->count(); ++k) {
-            QVERIFY2(metrics.horizontalAdvance(w.fontBox->itemText(k)) <=
-                         w.fontBox->lineEdit()->width(),
-                     qPrintable(w.fontBox->itemText(k)));
+            QVERIFY2(
+                metrics.horizontalAdvance(w.fontBox->itemText(k)) <= w.fontBox->lineEdit()->width(),
+                qPrintable(w.fontBox->itemText(k)));
         }
         for (const auto* box : w.findChildren<QLineEdit*>()) {
             QVERIFY2(metrics.height() <= box->height(), qPrintable(box->objectName()));
