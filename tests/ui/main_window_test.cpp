@@ -176,6 +176,22 @@ class MainWindowTest : public QObject {
                               "Choose a schema location and name", "sch", "Schemas (*.sch)", "1"}));
         QCOMPARE(m_window->folderBox->text(), QDir::tempPath() + "/");
         QCOMPARE(m_window->nameBox->text(), "intro");
+        // Ctrl+O: the same dialog in its open form, for existing files; cancelled.
+        seen.clear();
+        QTimer::singleShot(0, [&] {
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            QVERIFY(dialog);
+            seen << dialog->windowTitle() << dialog->nameFilters()
+                 << QString::number(dialog->acceptMode()) << QString::number(dialog->fileMode());
+            dialog->reject();
+        });
+        // The offscreen platform leaves the closed dialog the active window.
+        QApplication::setActiveWindow(m_window.get());
+        QTest::keyClick(m_window->folderBox, Qt::Key_O, Qt::ControlModifier);
+        QCOMPARE(seen, (QStringList{"Open a schema file", "Schema files (*.sch)",
+                                    QString::number(QFileDialog::AcceptOpen),
+                                    QString::number(QFileDialog::ExistingFile)}));
+        QCOMPARE(m_window->nameBox->text(), "intro");
     }
 };
 
