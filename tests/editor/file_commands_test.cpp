@@ -76,29 +76,6 @@ TEST(FileCommands, LocationDialogFillsFolderAndName) {
     }
 }
 
-// Ctrl+O: the dialog's open form picks a file that then loads as a load
-// would; the location dialog afterwards is back in its save form.
-TEST(FileCommands, OpenDialogLoadsThePickedFile) {
-    TempDir dir;
-    FakeWindow saved;
-    fill(saved);
-    saved.editor.save(u"tower", utf16(dir.path()));
-    for (bool cancel : {false, true}) {
-        FakeWindow w;
-        w.dialog.nextPath = cancel ? Text() : utf16(dir / "tower.sch");
-        const SchemaDocument before = w.document();
-        w.editor.openClicked();
-        EXPECT_TRUE(w.dialog.openForm);
-        EXPECT_EQ(w.dialog.title + u"|" + w.dialog.filter,
-                  u"Open a schema file|Schema files (*.sch)|*.sch");
-        EXPECT_EQ(w.document(), cancel ? before : saved.document());
-        EXPECT_EQ(w.folder.value + w.name.value, cancel ? u"" : utf16(dir.path()) + u"/tower");
-        EXPECT_EQ(shown(w), u"");
-        w.editor.locationClicked();
-        EXPECT_FALSE(w.dialog.openForm);
-    }
-}
-
 TEST(FileCommands, LoadAppliesLanguageByLanguageUntilAFailure) {
     TempDir dir;
     testing::writeBytes(dir / "s.sch",
