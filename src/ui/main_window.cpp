@@ -1,6 +1,7 @@
 #include "ui/main_window.hpp"
 
 #include <QAbstractScrollArea>
+#include <QAccessibleWidget>
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QHelpEvent>
@@ -25,6 +26,12 @@ using layout::place;
 // Marks the controls that show their own tooltip or none at all.
 constexpr const char* kOwnTooltipOnly = "ownTooltipOnly";
 
+// A screen reader takes the window for a window (a frame), not a filler.
+QAccessibleInterface* accessibleWindow(const QString&, QObject* object) {
+    auto* window = qobject_cast<MainWindow*>(object);
+    return window != nullptr ? new QAccessibleWidget(window, QAccessible::Window) : nullptr;
+}
+
 QStringList tabCaptions() {
     QStringList captions;
     for (const auto& language : kLanguages) {
@@ -40,6 +47,11 @@ QStringList tabCaptions() {
 
 MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("frmMain"));
+    static const bool factoryInstalled = [] {
+        QAccessible::installFactory(accessibleWindow);
+        return true;
+    }();
+    Q_UNUSED(factoryInstalled);
     setWindowTitle(toQString(texts::kWindowCaption));
     // Laid out for the font the controls will use; the window is created
     // once, so a later change of the desktop's font shows at the next start.
@@ -105,6 +117,7 @@ void MainWindow::createControls(const layout::Grid& grid) {
     fontLabel->setBuddy(fontBox);
     fontBox->setAccessibleName(toQString(layout::kCboFontName));
     fontBox->setEditable(true);
+    fontBox->lineEdit()->setAccessibleName(toQString(layout::kCboFontName));
     // Typed names are saved as typed: never added to the list, never completed.
     fontBox->setInsertPolicy(QComboBox::NoInsert);
     fontBox->setCompleter(nullptr);
@@ -123,6 +136,7 @@ void MainWindow::createControls(const layout::Grid& grid) {
     tabs = place(new TabContainer(tabCaptions(), layout::kTabsPerRow,
                                   grid.pixels(layout::kTabRowHeight), this),
                  grid, layout::kTabMain, "tabMain", layout::kTabMainTip);
+    tabs->strip()->setAccessibleName(toQString(layout::kTabStripName));
     for (int i = 0; i < kLanguageCount; ++i) {
         languagePages[i] = new LanguagePage(i, grid, tabs->pageOffset());
         tabs->addPage(languagePages[i]);

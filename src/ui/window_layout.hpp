@@ -113,6 +113,7 @@ inline constexpr QColor kPreviewTextColour{0, 0, 0};
 inline constexpr std::u16string_view kTxtLocName = u"Schema File Folder";
 inline constexpr std::u16string_view kTxtNameName = u"Schema Name";
 inline constexpr std::u16string_view kCboFontName = u"Font";
+inline constexpr std::u16string_view kTabStripName = u"Pages";
 inline constexpr std::array<std::u16string_view, 3> kColourBoxNames{u"Red", u"Green", u"Blue"};
 inline constexpr std::u16string_view kTitleName = u"title";
 inline constexpr std::u16string_view kEditorName = u"text";

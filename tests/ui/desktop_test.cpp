@@ -61,6 +61,7 @@ class DesktopTest : public QObject {
         MainWindow& w = shownWindow();
         std::vector<QAccessibleInterface*> all;
         walk(QAccessible::queryAccessibleInterface(&w), all);
+        QCOMPARE(all.front()->role(), QAccessible::Window);
         std::map<QString, QString> names;  // object name -> accessible name
         QStringList editableNames;
         for (QAccessibleInterface* node : all) {
@@ -103,6 +104,7 @@ class DesktopTest : public QObject {
         MainWindow& w = shownWindow();
         QAccessibleInterface* strip = QAccessible::queryAccessibleInterface(w.tabs->strip());
         QCOMPARE(strip->role(), QAccessible::PageTabList);
+        QCOMPARE(strip->text(QAccessible::Name), "Pages");
         QCOMPARE(strip->childCount(), 8);
         const QStringList captions{"English",       "French",         "German",
                                    "Italian",       "English Parsed", "French Parsed",
