@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "editor/text_edits.hpp"
-#include "support/test_support.hpp"
 
 namespace lorekeep::editor {
 namespace {
@@ -44,7 +43,7 @@ TEST(WholeNumber, AcceptsSignsAndSpacesAroundDigitsOnly) {
     EXPECT_EQ(wholeNumber(u"-1"), -1);
     for (const char* refused :
          {"", " ", "abc", "1.5", "1e2", "0x10", "- 5", "99999999999999999999"}) {
-        EXPECT_EQ(wholeNumber(testing::utf16(refused)), std::nullopt) << refused;
+        EXPECT_EQ(wholeNumber(fromUtf8(refused)), std::nullopt) << refused;
     }
 }
 

@@ -49,7 +49,7 @@ TEST(Renderer, CasesRenderAsExpected) {
             for (auto at = line.find("<LF>"); at != std::string::npos; at = line.find("<LF>")) {
                 line.replace(at, 4, "\n");
             }
-            body = testing::utf16(line);
+            body = fromUtf8(line);
         }
     }
     EXPECT_GE(checked, 30);

@@ -26,7 +26,7 @@ SchemaDocument documentFrom(const std::string& path) {
         }
         const std::size_t space = line.find(' ');
         const std::string who = line.substr(0, space);
-        const Text value = testing::utf16(line.substr(space + 1));
+        const Text value = fromUtf8(line.substr(space + 1));
         const std::string names[] = {"english", "french", "german", "italian"};
         const auto language = std::find(std::begin(names), std::end(names), who) - names;
         if (who == "name" || who == "font") {

@@ -1,5 +1,5 @@
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
@@ -20,13 +20,7 @@
 namespace lorekeep {
 namespace {
 
-using testing::dataPath;
-using testing::listDirectory;
-using testing::readBytes;
-using testing::TempDir;
-using testing::utf16;
-using testing::workedExample;
-using testing::writeBytes;
+using namespace testing;
 
 // Every name in a folder with its file's bytes ("" for anything else).
 std::map<std::string, std::string> snapshot(const std::string& folder) {
@@ -44,9 +38,9 @@ class SaveTest : public ::testing::Test {
     // Saves a document (the worked example unless given) as folder/name.sch.
     static bool saveTo(const std::string& folder, const std::string& name,
                        SchemaDocument doc = workedExample()) {
-        doc.folder = utf16(folder);
-        doc.name = utf16(name);
-        return static_cast<bool>(saveSchema(doc, testing::kWorkedStamp));
+        doc.folder = fromUtf8(folder);
+        doc.name = fromUtf8(name);
+        return static_cast<bool>(saveSchema(doc, kWorkedStamp));
     }
 
     TempDir m_dir;
@@ -162,9 +156,8 @@ TEST_F(SaveTest, LinksInSharedFoldersAreFollowedOnlyAsTheKernelWould) {
         std::filesystem::create_symlink(target, link);
         ASSERT_EQ(lchown(link.c_str(), linkOwner, linkOwner), 0);
         const auto before = snapshot(m_dir / "mine");
-        const int saved = asUnprivilegedUser([&] {
-            return saveTo(m_dir / (toFolder ? "shared/dir" : "shared"), "s");
-        });
+        const int saved = asUnprivilegedUser(
+            [&] { return saveTo(m_dir / (toFolder ? "shared/dir" : "shared"), "s"); });
         EXPECT_EQ(saved, followed ? 0 : 1) << what;
         EXPECT_EQ(snapshot(m_dir / "mine") == before, !followed) << what;
         EXPECT_EQ(listDirectory(m_dir / "shared").size(), 1u) << what;  // still the link
@@ -181,7 +174,7 @@ TEST_F(SaveTest, KilledSavesLeaveNothingBehind) {
     writeBytes(m_dir / "s.sch", "precious");
     const pid_t child = fork();
     if (child == 0) {
-        testing::setFsyncFault([](int) -> std::optional<int> { _exit(9); });
+        setFsyncFault([](int) -> std::optional<int> { _exit(9); });
         _exit(saveTo(m_dir.path(), "s") ? 0 : 1);
     }
     int status = 0;
@@ -194,26 +187,27 @@ TEST_F(SaveTest, KilledSavesLeaveNothingBehind) {
                   (std::map<std::string, std::string>{{"s.sch", "precious"}}));
     }
 
-    for (const char* name : {".s.sch.tmp-abc123", ".s.sch.tmp-xyz789", ".s.sch.tmp-abc12",
-                             ".t.sch.tmp-abc123"}) {
+    for (const char* name :
+         {".s.sch.tmp-abc123", ".s.sch.tmp-xyz789", ".s.sch.tmp-abc12", ".t.sch.tmp-abc123"}) {
         writeBytes(m_dir / name, "left over");
     }
     const int running = open((m_dir / ".s.sch.tmp-xyz789").c_str(), O_RDONLY);
     ASSERT_EQ(flock(running, LOCK_EX), 0);
     ASSERT_TRUE(saveTo(m_dir.path(), "s"));
     close(running);
-    EXPECT_EQ(listDirectory(m_dir.path()), (std::set<std::string>{"s.sch", ".s.sch.tmp-xyz789",
-                                                                  ".s.sch.tmp-abc12",
-                                                                  ".t.sch.tmp-abc123"}));
+    EXPECT_EQ(listDirectory(m_dir.path()),
+              (std::set<std::string>{"s.sch", ".s.sch.tmp-xyz789", ".s.sch.tmp-abc12",
+                                     ".t.sch.tmp-abc123"}));
 }
 
 TEST_F(SaveTest, AFolderThatCannotBeFlushedFailsTheSave) {
-    testing::setFsyncFault([](int fd) -> std::optional<int> {
+    setFsyncFault([](int fd) -> std::optional<int> {
         struct stat st {};
-        return fstat(fd, &st) == 0 && S_ISDIR(st.st_mode) ? (errno = EIO, -1) : std::optional<int>();
+        return fstat(fd, &st) == 0 && S_ISDIR(st.st_mode) ? (errno = EIO, -1)
+                                                          : std::optional<int>();
     });
     EXPECT_FALSE(saveTo(m_dir.path(), "s"));
-    testing::setFsyncFault(nullptr);
+    setFsyncFault(nullptr);
 }
 
 // A folder the user may not write, holding a file the user may: the file is

@@ -15,11 +15,6 @@
 
 namespace lorekeep::testing {
 
-// Test literals are written in UTF-8; the core works in UTF-16.
-inline Text utf16(std::string_view utf8) {
-    return fromUtf8(utf8);
-}
-
 // UTF-8 with the real line breaks a text holds written as "<CR>" and "<LF>",
 // as the case files write them.
 inline std::string visible(TextView text) {
