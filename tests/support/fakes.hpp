@@ -55,8 +55,9 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     void setCaretPosition(std::size_t at) override { caret = std::min(at, text.size()); }
     void giveFocus() override { focused = true; }
     std::optional<editor::TextChange> takeChange() override {
-        std::optional<editor::TextChange> taken = changeKnown ? change.value_or(editor::TextChange{})
-                                                              : std::optional<editor::TextChange>{};
+        std::optional<editor::TextChange> taken = changeKnown
+                                                      ? change.value_or(editor::TextChange{})
+                                                      : std::optional<editor::TextChange>{};
         change.reset();
         changeKnown = true;
         return taken;
@@ -113,11 +114,9 @@ struct FakeFontBox final : editor::FontBox {
 // Answers with a scripted choice; an empty path cancels.
 struct FakeFileDialog final : editor::FileDialog {
     void setOpenForm(bool open) override { openForm = open; }
-    void setDefaultSuffix(TextView value) override { suffix = Text(value); }
-    void setTitle(TextView value) override { title = Text(value); }
-    void setFilter(TextView text, TextView pattern) override {
-        filter.assign(text).append(u"|").append(pattern);
-    }
+    void setDefaultSuffix(TextView) override {}
+    void setTitle(TextView) override {}
+    void setFilter(TextView, TextView) override {}
     void exec() override {
         ++shown;
         path = nextPath;
@@ -125,7 +124,7 @@ struct FakeFileDialog final : editor::FileDialog {
     Text chosenPath() const override { return path; }
     Text chosenFileName() const override { return path.substr(path.rfind(u'/') + 1); }
     void clearChosenPath() override { path.clear(); }
-    Text nextPath, path, suffix, title, filter;
+    Text nextPath, path;
     int shown = 0;
     bool openForm = false;
 };
