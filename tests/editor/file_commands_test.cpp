@@ -175,18 +175,9 @@ TEST(FileCommands, WhatTheWindowHoldsSavesAndLoadsBack) {
 TEST(FileCommands, SavedDocumentsLoadBackExactly) {
     std::mt19937 random(20261122);
     auto randomText = [&](std::size_t maxLength, bool titleOrFont) {
-        static const std::u16string_view kPieces[] = {u"\n<br>\n",
-                                                      u"\n<dc=1,2,3>\n",
-                                                      u"\n<title=T>\n",
-                                                      u"\n",
-                                                      u", ",
-                                                      u"\"",
-                                                      u"\r\n",
-                                                      u"\r",
-                                                      u"\n",
-                                                      u"<",
-                                                      u">",
-                                                      u" lang_english "};
+        static const std::u16string_view kPieces[] = {
+            u"<",  u">",        u" lang_english ", u", ",           u"\"", u"\r", u"\r\n", u"\n",
+            u"\n", u"\n<br>\n", u"\n<dc=1,2,3>\n", u"\n<title=T>\n"};
         Text text;
         for (std::size_t n = random() % (maxLength + 1); text.size() < n;) {
             const char byte = static_cast<char>(0x20 + random() % 0xE0);
