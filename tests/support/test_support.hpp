@@ -107,13 +107,7 @@ inline SchemaDocument workedExample() {
 // begins with "lang_" after a real line break (it starts a record).
 inline bool formatCarries(const SchemaDocument& doc) {
     auto startsARecord = [](TextView text) {
-        for (std::size_t k = 0; k < text.size(); ++k) {
-            if ((text[k] == u'\r' || text[k] == u'\n') &&
-                text.substr(k + 1).starts_with(u"lang_")) {
-                return true;
-            }
-        }
-        return false;
+        return text.find(u"\rlang_") != Text::npos || text.find(u"\nlang_") != Text::npos;
     };
     bool carried = doc.font.find(u'>') == Text::npos && !startsARecord(doc.font);
     for (const LanguageEntry& entry : doc.entries) {
