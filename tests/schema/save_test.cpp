@@ -107,12 +107,13 @@ TEST_F(SaveTest, FullAndReadOnlyFileSystemsKeepTheOldFile) {
     umount2(folder.c_str(), MNT_DETACH);
 }
 
-// Runs `save` as uid 65534 when we are root, as ourselves otherwise (77
-// when the switch fails); the exit status says whether the save succeeded.
-int asUnprivilegedUser(const std::function<bool()>& save) {
+// Runs `save` in a child process, as uid 65534 when `unprivileged` and we are
+// root (77 when the switch fails), as ourselves otherwise; the exit status
+// says whether the save succeeded.
+int saveInChild(bool unprivileged, const std::function<bool()>& save) {
     const pid_t child = fork();
     if (child == 0) {
-        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
+        if (unprivileged && geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
             _exit(77);
         }
         _exit(save() ? 0 : 1);
@@ -156,8 +157,8 @@ TEST_F(SaveTest, LinksInSharedFoldersAreFollowedOnlyAsTheKernelWould) {
         std::filesystem::create_symlink(target, link);
         ASSERT_EQ(lchown(link.c_str(), linkOwner, linkOwner), 0);
         const auto before = snapshot(m_dir / "mine");
-        const int saved = asUnprivilegedUser(
-            [&] { return saveTo(m_dir / (toFolder ? "shared/dir" : "shared"), "s"); });
+        const int saved = saveInChild(
+            true, [&] { return saveTo(m_dir / (toFolder ? "shared/dir" : "shared"), "s"); });
         EXPECT_EQ(saved, followed ? 0 : 1) << what;
         EXPECT_EQ(snapshot(m_dir / "mine") == before, !followed) << what;
         EXPECT_EQ(listDirectory(m_dir / "shared").size(), 1u) << what;  // still the link
@@ -172,14 +173,11 @@ TEST_F(SaveTest, LinksInSharedFoldersAreFollowedOnlyAsTheKernelWould) {
 // sparing one that a running save holds.
 TEST_F(SaveTest, KilledSavesLeaveNothingBehind) {
     writeBytes(m_dir / "s.sch", "precious");
-    const pid_t child = fork();
-    if (child == 0) {
+    const int killed = saveInChild(false, [&] {
         setFsyncFault([](int) -> std::optional<int> { _exit(9); });
-        _exit(saveTo(m_dir.path(), "s") ? 0 : 1);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 9);
+        return saveTo(m_dir.path(), "s");
+    });
+    ASSERT_EQ(killed, 9);
     const int unnamed = open(m_dir.path().c_str(), O_TMPFILE | O_RDWR, 0600);
     if (unnamed >= 0) {  // otherwise the clean-up below has to remove it
         close(unnamed);
@@ -219,7 +217,7 @@ TEST_F(SaveTest, UnwritableFolderRewritesAWritableFileInPlace) {
     ASSERT_EQ(chmod(file.c_str(), 0666), 0);
     ASSERT_EQ(link(file.c_str(), (m_dir / "other.sch").c_str()), 0);
     chmod(m_dir.path().c_str(), 0555);  // read-only to the saving user
-    const int saved = asUnprivilegedUser([&] { return saveTo(m_dir.path(), "The Tower"); });
+    const int saved = saveInChild(true, [&] { return saveTo(m_dir.path(), "The Tower"); });
     if (saved == 77) {
         GTEST_SKIP() << "cannot switch to an unprivileged user here";
     }
@@ -231,7 +229,7 @@ TEST_F(SaveTest, UnwritableFolderRewritesAWritableFileInPlace) {
     EXPECT_EQ(st.st_uid, geteuid());
     EXPECT_EQ(listDirectory(m_dir.path()), (std::set<std::string>{"The Tower.sch", "other.sch"}));
 
-    const int failed = asUnprivilegedUser([&] {
+    const int failed = saveInChild(true, [&] {
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit small{4096, 4096};
         SchemaDocument huge = workedExample();
