@@ -115,18 +115,6 @@ TEST(FileCommands, RefusedCommandsChangeNothing) {
     }
 }
 
-// The kernel's count of this process's resident memory, in kB: now, or at its
-// peak since the last reset.
-long memoryKb(const std::string& field) {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.starts_with(field + ":")) {
-            return std::stol(line.substr(field.size() + 1));
-        }
-    }
-    return -1;
-}
-
 // A file far larger than any the window saves is refused without being read:
 // a 1 GB file costs less than 50 MB at the peak.
 TEST(FileCommands, HugeFilesAreRefusedUnread) {

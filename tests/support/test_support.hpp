@@ -51,6 +51,18 @@ inline std::vector<std::string> caseNames(const std::string& folder, const std::
     return names;
 }
 
+// The kernel's count of this process's resident memory, in kB: now, or at its
+// peak since the last reset.
+inline long memoryKb(const std::string& field) {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with(field + ":")) {
+            return std::stol(line.substr(field.size() + 1));
+        }
+    }
+    return -1;
+}
+
 // A fresh directory, removed with its contents when the object goes.
 class TempDir {
   public:
