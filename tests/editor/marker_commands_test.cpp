@@ -5,7 +5,6 @@
 #include "editor/texts.hpp"
 #include "markup/renderer.hpp"
 #include "support/fakes.hpp"
-#include "support/test_support.hpp"
 
 namespace lorekeep::editor {
 namespace {
@@ -16,7 +15,6 @@ using testing::FakeWindow;
 void prepare(FakeWindow& w, int box, TextView text, std::size_t caret) {
     w.boxes[box].replaceText(text);
     w.boxes[box].setCaretPosition(caret);
-    w.boxes[box].focused = false;
 }
 
 // A sequence of presses on one language's buttons (L, C, R: justification;
