@@ -2,7 +2,6 @@
 
 #include <stdlib.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -36,19 +35,6 @@ inline void writeBytes(const std::string& path, const std::string& bytes) {
 
 inline std::string dataPath(const std::string& name) {
     return std::string(LOREKEEP_TEST_DATA_DIR) + "/" + name;
-}
-
-// The cases of a data folder: the names of its files ending in `extension`,
-// without it, in order.
-inline std::vector<std::string> caseNames(const std::string& folder, const std::string& extension) {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(dataPath(folder))) {
-        if (entry.path().extension() == extension) {
-            names.push_back(entry.path().stem().string());
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 // The kernel's count of this process's resident memory, in kB: now, or at its
@@ -95,6 +81,18 @@ inline std::set<std::string> listDirectory(const std::string& path) {
     std::set<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(path)) {
         names.insert(entry.path().filename().string());
+    }
+    return names;
+}
+
+// The cases of a data folder: the names of its files ending in `extension`,
+// without it, in order.
+inline std::vector<std::string> caseNames(const std::string& folder, const std::string& extension) {
+    std::vector<std::string> names;
+    for (const std::string& name : listDirectory(dataPath(folder))) {
+        if (name.ends_with(extension)) {
+            names.push_back(name.substr(0, name.size() - extension.size()));
+        }
     }
     return names;
 }
