@@ -5,19 +5,16 @@
 #include "editor/texts.hpp"
 #include "markup/renderer.hpp"
 #include "support/fakes.hpp"
-#include "support/test_support.hpp"
 
 namespace lorekeep::editor {
 namespace {
 
 using testing::FakeWindow;
-using testing::utf16;
 
 // Editor `box` holding `text` with the caret at `caret`.
 void prepare(FakeWindow& w, int box, TextView text, std::size_t caret) {
     w.boxes[box].replaceText(text);
     w.boxes[box].setCaretPosition(caret);
-    w.boxes[box].focused = false;
 }
 
 // A sequence of presses on one language's buttons (L, C, R: justification;
@@ -43,13 +40,13 @@ void runPresses(const std::vector<Press>& presses) {
             {'K', &SchemaEditor::colourClicked},
             {'O', &SchemaEditor::okClicked}};
         for (int c = 0; c < 3 && p.button == 'O'; ++c) {
-            w.colourBoxes[6 + c].value = utf16(p.boxes[c]);
+            w.colourBoxes[6 + c].value = fromUtf8(p.boxes[c]);
         }
         (w.editor.*buttons.at(p.button))(2);
         const MarkerState& s = w.editor.markerState(2);
         EXPECT_LE(s.leftJustifyOn + s.centreOn + s.rightJustifyOn, 1) << "press " << n;
         EXPECT_EQ(s.colourOn, p.colourOn) << "press " << n;
-        EXPECT_EQ(w.boxes[2].text, utf16(p.text)) << "press " << n;
+        EXPECT_EQ(w.boxes[2].text, fromUtf8(p.text)) << "press " << n;
         for (int k = 0; k < 12; ++k) {
             EXPECT_EQ(w.colourBoxes[k].enabled, p.open && k / 3 == 2) << "press " << n;
             if (p.button == 'O') {  // OK locks the boxes again, reset to "0"
@@ -100,13 +97,13 @@ TEST(MarkerCommands, RefusedColourValuesChangeNothing) {
             prepare(w, 0, u"text", 2);
             w.editor.colourClicked(0);
             for (int c = 0; c < 3; ++c) {
-                w.colourBoxes[c].value = c == position ? utf16(bad) : u"10";
+                w.colourBoxes[c].value = c == position ? fromUtf8(bad) : u"10";
             }
             w.editor.okClicked(0);
             ASSERT_EQ(w.messages.shown.size(), 1u) << bad;
             EXPECT_EQ(w.messages.shown[0].text, texts::kColourOutOfRange);
             EXPECT_EQ(w.messages.shown[0].title, texts::kColourOutOfRangeTitle);
-            EXPECT_EQ(w.boxes[0].text + w.colourBoxes[position].value, u"text" + utf16(bad));
+            EXPECT_EQ(w.boxes[0].text + w.colourBoxes[position].value, u"text" + fromUtf8(bad));
             EXPECT_EQ(w.boxes[0].caret, 2u);
             EXPECT_TRUE(w.colourBoxes[position].enabled && w.okButtons[0].enabled);
             EXPECT_FALSE(w.colourButtons[0].background);

@@ -2,12 +2,9 @@
 
 #include "schema/date_stamp.hpp"
 #include "schema/windows1252.hpp"
-#include "support/test_support.hpp"
 
 namespace lorekeep {
 namespace {
-
-using testing::utf16;
 
 TEST(DateStamp, PicksYearMonthAndDayByPositionInFixedWidths) {
     const std::pair<const char*, const char*> cases[] = {
@@ -17,7 +14,7 @@ TEST(DateStamp, PicksYearMonthAndDayByPositionInFixedWidths) {
         {"14/03", "-03-14"},           // too short to hold a year: the pieces that exist
     };
     for (const auto& [input, stamp] : cases) {
-        EXPECT_EQ(formatDateStamp(utf16(input)), utf16(stamp));
+        EXPECT_EQ(formatDateStamp(fromUtf8(input)), fromUtf8(stamp));
     }
     EXPECT_EQ(formatDateStamp(LocalDateTime{987, 1, 5, 0, 0, 0}), u"0987-01-05");
     EXPECT_EQ(formatTimeStamp(LocalDateTime{2005, 3, 14, 4, 5, 9}), u"04:05:09");
@@ -26,8 +23,8 @@ TEST(DateStamp, PicksYearMonthAndDayByPositionInFixedWidths) {
 TEST(Windows1252, EveryCharacterOfTheCodePageBecomesItsByte) {
     // The 0x80-0x9F range in order (the five undefined bytes as the control
     // characters of the same number), then Latin-1 letters and range edges.
-    const Text characters = utf16("€\u0081‚ƒ„…†‡ˆ‰Š‹Œ\u008DŽ\u008F\u0090‘’“”•–—˜™š›œ\u009DžŸ") +
-                            utf16("éßüà\u00A0ÿ~\x7F");
+    const Text characters = fromUtf8("€\u0081‚ƒ„…†‡ˆ‰Š‹Œ\u008DŽ\u008F\u0090‘’“”•–—˜™š›œ\u009DžŸ") +
+                            fromUtf8("éßüà\u00A0ÿ~\x7F");
     std::string bytes;
     for (int b = 0x80; b <= 0x9F; ++b) {
         bytes.push_back(static_cast<char>(b));
@@ -39,7 +36,7 @@ TEST(Windows1252, EveryCharacterOfTheCodePageBecomesItsByte) {
 TEST(Windows1252, AnythingElseBecomesOneQuestionMarkACharacter) {
     // C1 controls that the code page gives to other characters, a character
     // outside the BMP (one character, so one question mark), lone surrogates.
-    const Text text = utf16("a€bΩ\u0080\u009F😀") + Text{char16_t(0xD800), u'c', char16_t(0xDC00)};
+    const Text text = fromUtf8("a€bΩ\u0080\u009F😀") + Text{0xD800, u'c', 0xDC00};
     EXPECT_EQ(encodeWindows1252(text),
               "a\x80"
               "b?????c?");

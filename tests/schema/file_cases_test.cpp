@@ -12,6 +12,9 @@
 namespace lorekeep {
 namespace {
 
+// The languages as the case files name them, in order.
+const std::string kNames[] = {"english", "french", "german", "italian"};
+
 // A document as the .doc files write it: "name VALUE", "font VALUE" and
 // "LANGUAGE title|body VALUE" lines, each value running to the end of its
 // line; "<LF>" and "<CR>" stand for real line breaks, "#" starts a comment.
@@ -26,9 +29,8 @@ SchemaDocument documentFrom(const std::string& path) {
         }
         const std::size_t space = line.find(' ');
         const std::string who = line.substr(0, space);
-        const Text value = testing::utf16(line.substr(space + 1));
-        const std::string names[] = {"english", "french", "german", "italian"};
-        const auto language = std::find(std::begin(names), std::end(names), who) - names;
+        const Text value = fromUtf8(line.substr(space + 1));
+        const auto language = std::find(std::begin(kNames), std::end(kNames), who) - kNames;
         if (who == "name" || who == "font") {
             (who == "name" ? doc.name : doc.font) = value;
         } else if (language < kLanguageCount) {
@@ -59,19 +61,18 @@ INSTANTIATE_TEST_SUITE_P(Files, WriterCase,
 // field a record sets: a font that is a list entry as "font", any other as
 // "font-text", then "title" and "body".
 std::string describe(const SchemaRead& read) {
-    const char* names[] = {"english", "french", "german", "italian"};
     std::ostringstream out;
     out << "records " << read.records.size() << "\n";
     for (std::size_t i = 0; i < read.records.size(); ++i) {
         const RecordRead& r = read.records[i];
         if (r.font) {
             const bool listed = r.font->entry >= 0 && kFontNames[r.font->entry] == r.font->text;
-            out << names[i] << (listed ? " font " : " font-text ") << testing::visible(r.font->text)
-                << "\n";
+            out << kNames[i] << (listed ? " font " : " font-text ")
+                << testing::visible(r.font->text) << "\n";
         }
         for (const auto& [field, value] : {std::pair{" title ", r.title}, {" body ", r.body}}) {
             if (value) {
-                out << names[i] << field << testing::visible(*value) << "\n";
+                out << kNames[i] << field << testing::visible(*value) << "\n";
             }
         }
     }

@@ -1,5 +1,5 @@
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
@@ -20,13 +20,7 @@
 namespace lorekeep {
 namespace {
 
-using testing::dataPath;
-using testing::listDirectory;
-using testing::readBytes;
-using testing::TempDir;
-using testing::utf16;
-using testing::workedExample;
-using testing::writeBytes;
+using namespace testing;
 
 // Every name in a folder with its file's bytes ("" for anything else).
 std::map<std::string, std::string> snapshot(const std::string& folder) {
@@ -44,9 +38,9 @@ class SaveTest : public ::testing::Test {
     // Saves a document (the worked example unless given) as folder/name.sch.
     static bool saveTo(const std::string& folder, const std::string& name,
                        SchemaDocument doc = workedExample()) {
-        doc.folder = utf16(folder);
-        doc.name = utf16(name);
-        return static_cast<bool>(saveSchema(doc, testing::kWorkedStamp));
+        doc.folder = fromUtf8(folder);
+        doc.name = fromUtf8(name);
+        return static_cast<bool>(saveSchema(doc, kWorkedStamp));
     }
 
     TempDir m_dir;
@@ -113,12 +107,13 @@ TEST_F(SaveTest, FullAndReadOnlyFileSystemsKeepTheOldFile) {
     umount2(folder.c_str(), MNT_DETACH);
 }
 
-// Runs `save` as uid 65534 when we are root, as ourselves otherwise (77
-// when the switch fails); the exit status says whether the save succeeded.
-int asUnprivilegedUser(const std::function<bool()>& save) {
+// Runs `save` in a child process, as uid 65534 when `unprivileged` and we are
+// root (77 when the switch fails), as ourselves otherwise; the exit status
+// says whether the save succeeded.
+int saveInChild(bool unprivileged, const std::function<bool()>& save) {
     const pid_t child = fork();
     if (child == 0) {
-        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
+        if (unprivileged && geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
             _exit(77);
         }
         _exit(save() ? 0 : 1);
@@ -162,9 +157,8 @@ TEST_F(SaveTest, LinksInSharedFoldersAreFollowedOnlyAsTheKernelWould) {
         std::filesystem::create_symlink(target, link);
         ASSERT_EQ(lchown(link.c_str(), linkOwner, linkOwner), 0);
         const auto before = snapshot(m_dir / "mine");
-        const int saved = asUnprivilegedUser([&] {
-            return saveTo(m_dir / (toFolder ? "shared/dir" : "shared"), "s");
-        });
+        const int saved = saveInChild(
+            true, [&] { return saveTo(m_dir / (toFolder ? "shared/dir" : "shared"), "s"); });
         EXPECT_EQ(saved, followed ? 0 : 1) << what;
         EXPECT_EQ(snapshot(m_dir / "mine") == before, !followed) << what;
         EXPECT_EQ(listDirectory(m_dir / "shared").size(), 1u) << what;  // still the link
@@ -179,14 +173,11 @@ TEST_F(SaveTest, LinksInSharedFoldersAreFollowedOnlyAsTheKernelWould) {
 // sparing one that a running save holds.
 TEST_F(SaveTest, KilledSavesLeaveNothingBehind) {
     writeBytes(m_dir / "s.sch", "precious");
-    const pid_t child = fork();
-    if (child == 0) {
-        testing::setFsyncFault([](int) -> std::optional<int> { _exit(9); });
-        _exit(saveTo(m_dir.path(), "s") ? 0 : 1);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 9);
+    const int killed = saveInChild(false, [&] {
+        setFsyncFault([](int) -> std::optional<int> { _exit(9); });
+        return saveTo(m_dir.path(), "s");
+    });
+    ASSERT_EQ(killed, 9);
     const int unnamed = open(m_dir.path().c_str(), O_TMPFILE | O_RDWR, 0600);
     if (unnamed >= 0) {  // otherwise the clean-up below has to remove it
         close(unnamed);
@@ -194,26 +185,27 @@ TEST_F(SaveTest, KilledSavesLeaveNothingBehind) {
                   (std::map<std::string, std::string>{{"s.sch", "precious"}}));
     }
 
-    for (const char* name : {".s.sch.tmp-abc123", ".s.sch.tmp-xyz789", ".s.sch.tmp-abc12",
-                             ".t.sch.tmp-abc123"}) {
+    for (const char* name :
+         {".s.sch.tmp-abc123", ".s.sch.tmp-xyz789", ".s.sch.tmp-abc12", ".t.sch.tmp-abc123"}) {
         writeBytes(m_dir / name, "left over");
     }
     const int running = open((m_dir / ".s.sch.tmp-xyz789").c_str(), O_RDONLY);
     ASSERT_EQ(flock(running, LOCK_EX), 0);
     ASSERT_TRUE(saveTo(m_dir.path(), "s"));
     close(running);
-    EXPECT_EQ(listDirectory(m_dir.path()), (std::set<std::string>{"s.sch", ".s.sch.tmp-xyz789",
-                                                                  ".s.sch.tmp-abc12",
-                                                                  ".t.sch.tmp-abc123"}));
+    EXPECT_EQ(listDirectory(m_dir.path()),
+              (std::set<std::string>{"s.sch", ".s.sch.tmp-xyz789", ".s.sch.tmp-abc12",
+                                     ".t.sch.tmp-abc123"}));
 }
 
 TEST_F(SaveTest, AFolderThatCannotBeFlushedFailsTheSave) {
-    testing::setFsyncFault([](int fd) -> std::optional<int> {
+    setFsyncFault([](int fd) -> std::optional<int> {
         struct stat st {};
-        return fstat(fd, &st) == 0 && S_ISDIR(st.st_mode) ? (errno = EIO, -1) : std::optional<int>();
+        return fstat(fd, &st) == 0 && S_ISDIR(st.st_mode) ? (errno = EIO, -1)
+                                                          : std::optional<int>();
     });
     EXPECT_FALSE(saveTo(m_dir.path(), "s"));
-    testing::setFsyncFault(nullptr);
+    setFsyncFault(nullptr);
 }
 
 // A folder the user may not write, holding a file the user may: the file is
@@ -225,7 +217,7 @@ TEST_F(SaveTest, UnwritableFolderRewritesAWritableFileInPlace) {
     ASSERT_EQ(chmod(file.c_str(), 0666), 0);
     ASSERT_EQ(link(file.c_str(), (m_dir / "other.sch").c_str()), 0);
     chmod(m_dir.path().c_str(), 0555);  // read-only to the saving user
-    const int saved = asUnprivilegedUser([&] { return saveTo(m_dir.path(), "The Tower"); });
+    const int saved = saveInChild(true, [&] { return saveTo(m_dir.path(), "The Tower"); });
     if (saved == 77) {
         GTEST_SKIP() << "cannot switch to an unprivileged user here";
     }
@@ -237,7 +229,7 @@ TEST_F(SaveTest, UnwritableFolderRewritesAWritableFileInPlace) {
     EXPECT_EQ(st.st_uid, geteuid());
     EXPECT_EQ(listDirectory(m_dir.path()), (std::set<std::string>{"The Tower.sch", "other.sch"}));
 
-    const int failed = asUnprivilegedUser([&] {
+    const int failed = saveInChild(true, [&] {
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit small{4096, 4096};
         SchemaDocument huge = workedExample();

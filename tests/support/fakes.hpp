@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "editor/schema_editor.hpp"
@@ -17,7 +18,6 @@ struct RecordingMessageBox final : editor::MessageBox {
     struct Shown {
         Text text;
         Text title;
-        bool operator==(const Shown&) const = default;
     };
     void showMessage(TextView text, TextView title) override {
         shown.push_back({Text(text), Text(title)});
@@ -40,8 +40,6 @@ struct CountingClock final : Clock {
 struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     Text plainText() const override { return text; }
     void replaceRange(std::size_t start, std::size_t length, TextView value) override {
-        // Two changes before one is taken: the box can no longer tell.
-        changeKnown = !change;
         change = editor::TextChange{start, length, Text(value)};
         text.replace(start, length, value);
         caret = std::min(caret, text.size());
@@ -50,16 +48,14 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
             onChange();
         }
     }
-    void beep() override { ++beeps; }
+    void beep() override {}
     std::size_t caretPosition() const override { return caret; }
     void setCaretPosition(std::size_t at) override { caret = std::min(at, text.size()); }
     void giveFocus() override { focused = true; }
+    // Every change is taken as soon as it is made: FakeWindow tells its
+    // editor of each one at once.
     std::optional<editor::TextChange> takeChange() override {
-        std::optional<editor::TextChange> taken = changeKnown ? change.value_or(editor::TextChange{})
-                                                              : std::optional<editor::TextChange>{};
-        change.reset();
-        changeKnown = true;
-        return taken;
+        return std::exchange(change, std::nullopt);
     }
     void showPreview(const markup::RenderedPreview& value) override { preview = value; }
     // Patched as a real pane is, so that the commands' tests check the
@@ -77,10 +73,8 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     std::size_t caret = 0;
     bool focused = false;
     int replacements = 0;
-    int beeps = 0;
     std::optional<markup::RenderedPreview> preview;  // what the pane last showed
     std::optional<editor::TextChange> change;        // not yet taken
-    bool changeKnown = true;
     std::function<void()> onChange;
 };
 
@@ -113,11 +107,9 @@ struct FakeFontBox final : editor::FontBox {
 // Answers with a scripted choice; an empty path cancels.
 struct FakeFileDialog final : editor::FileDialog {
     void setOpenForm(bool open) override { openForm = open; }
-    void setDefaultSuffix(TextView value) override { suffix = Text(value); }
-    void setTitle(TextView value) override { title = Text(value); }
-    void setFilter(TextView text, TextView pattern) override {
-        filter.assign(text).append(u"|").append(pattern);
-    }
+    void setDefaultSuffix(TextView) override {}
+    void setTitle(TextView) override {}
+    void setFilter(TextView, TextView) override {}
     void exec() override {
         ++shown;
         path = nextPath;
@@ -125,7 +117,7 @@ struct FakeFileDialog final : editor::FileDialog {
     Text chosenPath() const override { return path; }
     Text chosenFileName() const override { return path.substr(path.rfind(u'/') + 1); }
     void clearChosenPath() override { path.clear(); }
-    Text nextPath, path, suffix, title, filter;
+    Text nextPath, path;
     int shown = 0;
     bool openForm = false;
 };

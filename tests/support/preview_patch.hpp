@@ -9,24 +9,23 @@ namespace lorekeep::testing {
 // A preview as a pane holds it after applying `patch`: the characters and
 // their colours spliced, the touched paragraphs given their alignments.
 inline void applyPatch(markup::RenderedPreview& shown, const markup::PreviewPatch& patch) {
-    std::vector<markup::CharColour> colours;
-    for (std::size_t run = 0; run < shown.colours.size(); ++run) {
-        const std::size_t end =
-            run + 1 < shown.colours.size() ? shown.colours[run + 1].start : shown.text.size();
-        colours.insert(colours.end(), end - shown.colours[run].start, shown.colours[run].colour);
-    }
-    std::vector<markup::CharColour> added;
-    for (std::size_t run = 0; run < patch.colours.size(); ++run) {
-        const std::size_t end =
-            run + 1 < patch.colours.size() ? patch.colours[run + 1].start : patch.text.size();
-        added.insert(added.end(), end - patch.colours[run].start, patch.colours[run].colour);
-    }
+    // The colour of each character, from the runs of a text of `length`.
+    const auto perCharacter = [](const std::vector<markup::ColourRun>& runs, std::size_t length) {
+        std::vector<markup::CharColour> colours;
+        for (std::size_t run = 0; run < runs.size(); ++run) {
+            const std::size_t end = run + 1 < runs.size() ? runs[run + 1].start : length;
+            colours.insert(colours.end(), end - runs[run].start, runs[run].colour);
+        }
+        return colours;
+    };
+    std::vector<markup::CharColour> colours = perCharacter(shown.colours, shown.text.size());
+    const std::vector<markup::CharColour> added = perCharacter(patch.colours, patch.text.size());
     const auto at = [](auto& vector, std::size_t k) {
         return vector.begin() + static_cast<std::ptrdiff_t>(k);
     };
     const TextView gone = TextView(shown.text).substr(patch.start, patch.removed);
-    const auto endedParagraphs =
-        static_cast<std::size_t>(std::count_if(gone.begin(), gone.end(), markup::isParagraphSeparator));
+    const auto endedParagraphs = static_cast<std::size_t>(
+        std::count_if(gone.begin(), gone.end(), markup::isParagraphSeparator));
     colours.erase(at(colours, patch.start), at(colours, patch.start + patch.removed));
     colours.insert(at(colours, patch.start), added.begin(), added.end());
     shown.text.replace(patch.start, patch.removed, patch.text);

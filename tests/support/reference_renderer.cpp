@@ -13,7 +13,6 @@ namespace {
 using markup::Alignment;
 using markup::CharColour;
 using markup::RenderedPreview;
-using markup::Rgb;
 
 // A rich-text box held in memory, character by character. Formatting follows
 // the characters: a replacement keeps the colour of every character it does
@@ -55,7 +54,7 @@ class ModelPane {
     void placeCaret(std::size_t offset) { select(offset, 0); }
     void selectToEnd(std::size_t offset) { select(offset, m_text.size()); }
 
-    void colourSelection(Rgb colour) {
+    void colourSelection(markup::Rgb colour) {
         std::fill_n(m_colours.begin() + m_start, m_length, CharColour(colour));
     }
 

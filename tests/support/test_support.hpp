@@ -2,7 +2,6 @@
 
 #include <stdlib.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -14,11 +13,6 @@
 #include "schema/schema_document.hpp"
 
 namespace lorekeep::testing {
-
-// Test literals are written in UTF-8; the core works in UTF-16.
-inline Text utf16(std::string_view utf8) {
-    return fromUtf8(utf8);
-}
 
 // UTF-8 with the real line breaks a text holds written as "<CR>" and "<LF>",
 // as the case files write them.
@@ -43,17 +37,16 @@ inline std::string dataPath(const std::string& name) {
     return std::string(LOREKEEP_TEST_DATA_DIR) + "/" + name;
 }
 
-// The cases of a data folder: the names of its files ending in `extension`,
-// without it, in order.
-inline std::vector<std::string> caseNames(const std::string& folder, const std::string& extension) {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(dataPath(folder))) {
-        if (entry.path().extension() == extension) {
-            names.push_back(entry.path().stem().string());
+// The kernel's count of this process's resident memory, in kB: now, or at its
+// peak since the last reset.
+inline long memoryKb(const std::string& field) {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with(field + ":")) {
+            return std::stol(line.substr(field.size() + 1));
         }
     }
-    std::sort(names.begin(), names.end());
-    return names;
+    return -1;
 }
 
 // A fresh directory, removed with its contents when the object goes.
@@ -92,6 +85,18 @@ inline std::set<std::string> listDirectory(const std::string& path) {
     return names;
 }
 
+// The cases of a data folder: the names of its files ending in `extension`,
+// without it, in order.
+inline std::vector<std::string> caseNames(const std::string& folder, const std::string& extension) {
+    std::vector<std::string> names;
+    for (const std::string& name : listDirectory(dataPath(folder))) {
+        if (name.ends_with(extension)) {
+            names.push_back(name.substr(0, name.size() - extension.size()));
+        }
+    }
+    return names;
+}
+
 // The schema saved on 14 March 2005 at 14:05:09 with the font Papyrus14, the
 // English title The Tower over Hello, a line break and World, and the Italian
 // title La Torre over Ciao; tests/data/worked_example.sch holds its bytes.
@@ -112,13 +117,7 @@ inline SchemaDocument workedExample() {
 // begins with "lang_" after a real line break (it starts a record).
 inline bool formatCarries(const SchemaDocument& doc) {
     auto startsARecord = [](TextView text) {
-        for (std::size_t k = 0; k < text.size(); ++k) {
-            if ((text[k] == u'\r' || text[k] == u'\n') &&
-                text.substr(k + 1).starts_with(u"lang_")) {
-                return true;
-            }
-        }
-        return false;
+        return text.find(u"\rlang_") != Text::npos || text.find(u"\nlang_") != Text::npos;
     };
     bool carried = doc.font.find(u'>') == Text::npos && !startsARecord(doc.font);
     for (const LanguageEntry& entry : doc.entries) {

@@ -1,13 +1,11 @@
-#include <unistd.h>
-
 #include <QTemporaryDir>
 #include <QtTest>
-#include <fstream>
 #include <random>
 
 #include "editor/texts.hpp"
 #include "markup/renderer.hpp"
 #include "support/fakes.hpp"
+#include "support/test_support.hpp"
 #include "ui/main_window.hpp"
 #include "ui/qt_text.hpp"
 
@@ -222,28 +220,24 @@ class EditingTest : public QObject {
             body += u"words and more words\n<jc>\n";
         }
         w.richTextBox(0)->replaceText(body);
+        const std::function<void()> kinds[] = {
+            [&] { QTest::keyClick(w.richTextBox(0), Qt::Key_Return); },
+            [&] { w.languagePages[0]->copyButton->click(); },
+            [&] { w.languagePages[0]->centreButton->click(); },
+            [&] { w.languagePages[0]->copyButton->click(); },
+            [&] { w.save("soak", dir.path()); },
+            [&] { w.load("soak", dir.path()); }};
         auto commands = [&](int count) {
             for (int k = 0; k < count; ++k) {
                 w.richTextBox(0)->setCaretPosition(20'000 + 7 * static_cast<std::size_t>(k));
-                switch (k % 6) {
-                    case 0: QTest::keyClick(w.richTextBox(0), Qt::Key_Return); break;
-                    case 2: w.languagePages[0]->centreButton->click(); break;
-                    case 4: w.save("soak", dir.path()); break;
-                    case 5: w.load("soak", dir.path()); break;
-                    default: w.languagePages[0]->copyButton->click(); break;
-                }
+                kinds[k % 6]();
             }
         };
-        auto residentBytes = [] {
-            long pages = 0;
-            std::ifstream("/proc/self/statm") >> pages >> pages;
-            return pages * sysconf(_SC_PAGESIZE);
-        };
         commands(100);
-        const long before = residentBytes();
+        const long before = testing::memoryKb("VmRSS");
         commands(1000);
-        QVERIFY2(residentBytes() - before < 16l << 20,
-                 qPrintable(QString::number(residentBytes() - before)));
+        const long grown = testing::memoryKb("VmRSS") - before;
+        QVERIFY2(grown < 16 * 1024, qPrintable(QString::number(grown)));
         QVERIFY(m_messages.shown.empty());
     }
 };
