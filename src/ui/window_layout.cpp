@@ -1,6 +1,9 @@
 #include "ui/window_layout.hpp"
 
 #include <QFontMetricsF>
+#include <algorithm>
+#include <cmath>
+#include <vector>
 
 #include "schema/language.hpp"
 #include "schema/schema_document.hpp"

@@ -4,7 +4,6 @@
 #include <QFont>
 #include <QRect>
 #include <QWidget>
-#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -38,7 +37,6 @@ class Grid {
     // to fit its control in the full font.
     static Grid forFont(const QFont& font);
 
-    qreal scale() const { return m_scale; }
     int pixels(int twips) const { return static_cast<int>(twips * m_scale / kTwipsPerPixel); }
     QRect toPixels(TwipRect r) const {
         return {pixels(r.left), pixels(r.top), pixels(r.width), pixels(r.height)};
