@@ -10,6 +10,7 @@ packages=(
     libqt6svg6                               # draws the SVG window icon
     libgtest-dev libgmock-dev                # unit tests
     libbenchmark-dev                         # benchmarks
+    libgettextpo-dev gettext                 # lorekeep-tool's PO files, and msgfmt to check them
     desktop-file-utils appstream             # check the desktop entry and the metainfo
 )
 # Tools that only some scripts need (the screenshot, fuzzing) ask for more.

@@ -10,7 +10,7 @@ cd "$(dirname "$0")/.."
 LOREKEEP_EXTRA_PACKAGES="dpkg-dev file lintian appstream desktop-file-utils" \
     scripts/install-deps.sh
 cmake --preset release >/dev/null
-cmake --build --preset release --target lorekeep lorekeep_compressed_docs
+cmake --build --preset release --target lorekeep lorekeep-tool lorekeep_compressed_docs
 rm -f build/release/package/*.deb
 cpack --config build/release/CPackConfig.cmake -B build/release/package
 deb=$(ls build/release/package/*.deb)

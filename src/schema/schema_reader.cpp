@@ -170,10 +170,12 @@ bool inWriterLayout(TextView text, std::size_t start, std::size_t end) {
 // with "lang_"): commas, the spaces after them, quotes and real line breaks
 // all stay. In the older layout any other field is appended to the current
 // record with nothing between. Nothing when the file cannot be taken apart.
-std::optional<std::vector<Text>> collectRecords(TextView text, const ReaderOptions& options) {
+std::optional<std::vector<Text>> collectRecords(TextView text, const ReaderOptions& options,
+                                                SchemaRead& result) {
     FieldReader reader(text);
     for (std::size_t k = 0; k < kHeaderFields; ++k) {
         if (!reader.readField()) {
+            result.problem = ReadProblem::TooFewFields;
             return std::nullopt;
         }
     }
@@ -182,16 +184,19 @@ std::optional<std::vector<Text>> collectRecords(TextView text, const ReaderOptio
         std::size_t start = 0;
         std::optional<Text> field = reader.readField(&start);
         if (!field) {
+            result.problem = ReadProblem::TooFewFields;
             return std::nullopt;
         }
         if (!field->starts_with(kRecordStart)) {
             if (records.empty()) {
+                result.problem = ReadProblem::FieldBeforeFirstRecord;
                 return std::nullopt;
             }
             records.back().append(*field);
             continue;
         }
         if (records.size() == kLanguageCount) {
+            result.problem = ReadProblem::FifthRecord;
             return std::nullopt;
         }
         const std::size_t end = nextRecordLine(text, start);
@@ -206,6 +211,9 @@ std::optional<std::vector<Text>> collectRecords(TextView text, const ReaderOptio
         reader.seek(end);
     }
     // A missing record reads as an empty one, which then fails on its own.
+    if (records.size() < kLanguageCount) {
+        result.problem = ReadProblem::MissingRecord;
+    }
     records.resize(kLanguageCount);
     return records;
 }
@@ -257,10 +265,12 @@ RecordRead readWriterLayout(TextView remainder, Language language) {
 
 // Takes one record apart: its font and title where they stand at its head,
 // then its body, less its closing character.
-RecordRead readLanguageBlock(TextView record, Language language, const ReaderOptions& options) {
+RecordRead readLanguageBlock(TextView record, Language language, const ReaderOptions& options,
+                             SchemaRead& result) {
     // The key's trailing space, then the stamp and opening quote, unread.
     TextView remainder = after(record, remainderStart(record, 0));
     if (options.acceptWriterLayout && inWriterLayout(record, 0, record.size())) {
+        result.writerLayout[indexOf(language)] = true;
         return readWriterLayout(remainder, language);
     }
 
@@ -270,6 +280,7 @@ RecordRead readLanguageBlock(TextView record, Language language, const ReaderOpt
     if (fontEnd != TextView::npos) {
         const std::size_t g = fontEnd + 1;
         if (g < kFontCandidateStart) {
+            result.problem = ReadProblem::FontTagTooEarly;
             return read;
         }
         read.font = listedFont(characters(remainder, kFontCandidateStart, g - 1));
@@ -296,16 +307,26 @@ RecordRead readLanguageBlock(TextView record, Language language, const ReaderOpt
 
 SchemaRead readSchema(std::string_view bytes, const ReaderOptions& options) {
     SchemaRead result;
-    const auto records = collectRecords(decodeWindows1252(bytes), options);
+    const auto records = collectRecords(decodeWindows1252(bytes), options, result);
     if (!records) {
         return result;
     }
     for (Language language : kAllLanguages) {
         result.records.push_back(
-            readLanguageBlock((*records)[indexOf(language)], language, options));
+            readLanguageBlock((*records)[indexOf(language)], language, options, result));
         if (!result.records.back().body) {
+            if (result.problem != ReadProblem::FontTagTooEarly) {
+                // A missing record is the first empty one; otherwise nothing was left.
+                result.problem = result.problem == ReadProblem::MissingRecord &&
+                                         (*records)[indexOf(language)].empty()
+                                     ? ReadProblem::MissingRecord
+                                     : ReadProblem::EmptyRemainder;
+            }
             break;
         }
+    }
+    if (result.complete()) {
+        result.problem = ReadProblem::None;
     }
     return result;
 }

@@ -26,6 +26,17 @@ struct RecordRead {
     bool operator==(const RecordRead&) const = default;
 };
 
+// Why a file does not load, by the rule that stops it.
+enum class ReadProblem {
+    None,
+    TooFewFields,            // not even the three header fields
+    FieldBeforeFirstRecord,  // a field that is not a record comes first (a comma in the name)
+    FifthRecord,             // more than four records
+    MissingRecord,           // fewer than four records
+    EmptyRemainder,          // a record with nothing left after its stamp, font and title
+    FontTagTooEarly,         // a record whose first ">" stands among its first six characters
+};
+
 // A schema file taken apart, record by record, in language order.
 struct SchemaRead {
     // Up to and including the first record that cannot be read. Empty when
@@ -35,6 +46,13 @@ struct SchemaRead {
 
     // Every language read: four records, each with its body.
     bool complete() const { return records.size() == kLanguageCount && records.back().body; }
+
+    // What stopped the load, when it is not complete; the record it concerns
+    // is the last of `records`.
+    ReadProblem problem = ReadProblem::None;
+    // Which of the records read are in the writer's layout (the others in the
+    // older one, without separators around the font and title tags).
+    std::array<bool, kLanguageCount> writerLayout{};
 };
 
 struct ReaderOptions {

@@ -1,0 +1,223 @@
+#include "tool/cli.hpp"
+
+#include <fstream>
+#include <iostream>
+#include <optional>
+
+#include "schema/schema_reader.hpp"
+#include "tool/check.hpp"
+#include "tool/html.hpp"
+#include "tool/po.hpp"
+#include "tool/schema_set.hpp"
+
+namespace lorekeep::tool {
+
+namespace {
+
+constexpr const char* kUsage =
+    "Usage:\n"
+    "  lorekeep-tool check [--format text|json] PATH...\n"
+    "  lorekeep-tool export --language fr|de|it [--template] PATH... -o FILE.po\n"
+    "  lorekeep-tool import [--dry-run] FILE.po PATH...\n"
+    "  lorekeep-tool render FILE.sch [--language en|fr|de|it] [-o FILE.html]\n"
+    "PATH is a .sch file or a folder searched for *.sch files.\n";
+
+constexpr int kUsageError = 2;
+
+// The arguments of one command: its options with their values, and the rest.
+struct Arguments {
+    std::vector<std::string> positional;
+    std::optional<std::string> language;
+    std::optional<std::string> output;
+    std::optional<std::string> format;
+    bool templateOnly = false;
+    bool dryRun = false;
+};
+
+// Nothing, with the reason on `err`, when an option is unknown or lacks its value.
+std::optional<Arguments> parse(const std::vector<std::string>& args, std::ostream& err) {
+    Arguments parsed;
+    for (std::size_t k = 1; k < args.size(); ++k) {
+        const std::string& arg = args[k];
+        auto value = [&](std::optional<std::string>& into) {
+            if (k + 1 >= args.size()) {
+                err << "lorekeep-tool: " << arg << " needs a value\n";
+                return false;
+            }
+            into = args[++k];
+            return true;
+        };
+        if (arg == "--language" || arg == "-l") {
+            if (!value(parsed.language)) {
+                return std::nullopt;
+            }
+        } else if (arg == "-o" || arg == "--output") {
+            if (!value(parsed.output)) {
+                return std::nullopt;
+            }
+        } else if (arg == "--format") {
+            if (!value(parsed.format)) {
+                return std::nullopt;
+            }
+        } else if (arg == "--template") {
+            parsed.templateOnly = true;
+        } else if (arg == "--dry-run" || arg == "-n") {
+            parsed.dryRun = true;
+        } else if (arg == "--") {
+            parsed.positional.insert(parsed.positional.end(), args.begin() + k + 1, args.end());
+            break;
+        } else if (arg.size() > 1 && arg[0] == '-') {
+            err << "lorekeep-tool: unknown option " << arg << "\n";
+            return std::nullopt;
+        } else {
+            parsed.positional.push_back(arg);
+        }
+    }
+    return parsed;
+}
+
+int usageError(std::ostream& err, const std::string& message) {
+    err << "lorekeep-tool: " << message << "\n" << kUsage;
+    return kUsageError;
+}
+
+std::vector<SchemaFile> schemas(const std::vector<std::string>& paths, std::ostream& err,
+                                bool& missing) {
+    std::vector<std::string> problems;
+    std::vector<SchemaFile> files = findSchemas(paths, problems);
+    for (const std::string& problem : problems) {
+        err << "lorekeep-tool: " << problem << "\n";
+    }
+    missing = !problems.empty();
+    return files;
+}
+
+int check(const Arguments& a, std::ostream& out, std::ostream& err) {
+    const std::string format = a.format.value_or("text");
+    if ((format != "text" && format != "json") || a.language || a.output || a.templateOnly ||
+        a.dryRun) {
+        return usageError(err, "check takes --format text|json and paths");
+    }
+    if (a.positional.empty()) {
+        return usageError(err, "check needs at least one path");
+    }
+    bool missing = false;
+    const std::vector<SchemaFile> files = schemas(a.positional, err, missing);
+    bool anyError = missing;
+    bool first = true;
+    if (format == "json") {
+        out << "[";
+    }
+    for (const SchemaFile& file : files) {
+        const std::string name = file.path.generic_string();
+        std::vector<Finding> findings;
+        if (const auto bytes = readBytes(file.path)) {
+            findings = checkSchema(*bytes, name);
+        } else {
+            findings.push_back({name, "", "file", 0, Severity::Error, "cannot be read"});
+        }
+        for (const Finding& finding : findings) {
+            anyError = anyError || finding.severity == Severity::Error;
+            if (format == "json") {
+                // One array for every file: each file's array without its brackets.
+                const std::string json = formatFindingsJson({finding});
+                out << (first ? "\n  " : ",\n  ") << json.substr(1, json.size() - 2);
+                first = false;
+            } else {
+                out << formatFinding(finding) << "\n";
+            }
+        }
+    }
+    if (format == "json") {
+        out << (first ? "]\n" : "\n]\n");
+    }
+    return anyError ? 1 : 0;
+}
+
+int exportCommand(const Arguments& a, std::ostream& err) {
+    const auto language = a.language ? languageFromCode(*a.language) : std::nullopt;
+    if (!language || *language == Language::English || !a.output || a.positional.empty() ||
+        a.format || a.dryRun) {
+        return usageError(err, "export needs --language fr|de|it, paths and -o FILE.po");
+    }
+    bool missing = false;
+    const std::vector<SchemaFile> files = schemas(a.positional, err, missing);
+    const bool written = exportPo(files, *language, a.templateOnly, *a.output, err);
+    return written && !missing ? 0 : 1;
+}
+
+int importCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
+    if (a.positional.size() < 2 || a.language || a.output || a.format || a.templateOnly) {
+        return usageError(err, "import needs a PO file and paths");
+    }
+    bool missing = false;
+    const std::vector<SchemaFile> files =
+        schemas({a.positional.begin() + 1, a.positional.end()}, err, missing);
+    const ImportCounts counts = importPo(a.positional[0], files, a.dryRun, out);
+    return counts.refused == 0 && !missing ? 0 : 1;
+}
+
+int render(const Arguments& a, std::ostream& out, std::ostream& err) {
+    const auto language = languageFromCode(a.language.value_or("en"));
+    if (a.positional.size() != 1 || !language || a.format || a.templateOnly || a.dryRun) {
+        return usageError(err, "render needs one schema file and --language en|fr|de|it");
+    }
+    const std::string& path = a.positional[0];
+    const auto bytes = readBytes(path);
+    const auto document = bytes ? documentAfterLoad(readSchema(*bytes)) : std::nullopt;
+    if (!document) {
+        err << "lorekeep-tool: " << path << ": "
+            << (bytes ? "does not load (lorekeep-tool check says why)" : "cannot be read") << "\n";
+        return 1;
+    }
+    const std::string html = renderHtml(*document, *language);
+    if (!a.output || *a.output == "-") {
+        out << html;
+        return 0;
+    }
+    std::ofstream file(*a.output, std::ios::binary);
+    file << html;
+    file.close();
+    if (!file) {
+        err << "lorekeep-tool: " << *a.output << ": cannot be written\n";
+        return 1;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int runTool(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
+    if (arguments.empty()) {
+        return usageError(err, "no command given");
+    }
+    const std::string& command = arguments[0];
+    if (command == "--help" || command == "-h" || command == "help") {
+        out << kUsage;
+        return 0;
+    }
+    if (command == "--version") {
+        out << "lorekeep-tool " << LOREKEEP_VERSION << "\n";
+        return 0;
+    }
+    const auto parsed = parse(arguments, err);
+    if (!parsed) {
+        err << kUsage;
+        return kUsageError;
+    }
+    if (command == "check") {
+        return check(*parsed, out, err);
+    }
+    if (command == "export") {
+        return exportCommand(*parsed, err);
+    }
+    if (command == "import") {
+        return importCommand(*parsed, out, err);
+    }
+    if (command == "render") {
+        return render(*parsed, out, err);
+    }
+    return usageError(err, "unknown command " + command);
+}
+
+}  // namespace lorekeep::tool
