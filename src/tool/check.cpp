@@ -1,17 +1,277 @@
 #include "tool/check.hpp"
 
+#include <algorithm>
+#include <cstdio>
+
+#include "markup/markers.hpp"
+#include "markup/renderer.hpp"
+#include "schema/date_stamp.hpp"
+#include "schema/schema_writer.hpp"
+#include "schema/windows1252.hpp"
+#include "tool/schema_set.hpp"
+
 namespace lorekeep::tool {
 
-std::vector<Finding> checkSchema(std::string_view, const std::string&) {
-    return {};
+namespace {
+
+// The bytes that Windows-1252 leaves without a character.
+constexpr std::string_view kUndefinedBytes = "\x81\x8D\x8F\x90\x9D";
+// How far the preview looks for a colour marker's closing separator, and
+// what it swallows when there is none.
+constexpr std::size_t kColourReach = 33;
+constexpr std::size_t kMaxComponentDigits = 3;
+// How much of a tag a message quotes.
+constexpr std::size_t kQuotedTag = 24;
+
+// A piece of text fit for a one-line message: control characters as "?",
+// long pieces cut with "...".
+std::string excerpt(TextView text) {
+    Text shown(text.substr(0, kQuotedTag));
+    std::ranges::replace_if(
+        shown, [](char16_t c) { return c < u' '; }, u'?');
+    return "\"" + toUtf8(shown) + (text.size() > kQuotedTag ? "...\"" : "\"");
 }
 
-std::string formatFinding(const Finding&) {
-    return {};
+std::string loadProblem(ReadProblem problem, const std::string& record) {
+    switch (problem) {
+        case ReadProblem::TooFewFields:
+            return "does not load: the file ends before its three header lines";
+        case ReadProblem::FieldBeforeFirstRecord:
+            return "does not load: a field stands before the first record (a comma in the "
+                   "schema name splits its line)";
+        case ReadProblem::FifthRecord:
+            return "does not load: it holds a fifth record (a line of a text starts with "
+                   "\"lang_\")";
+        case ReadProblem::MissingRecord:
+            return "does not load: the " + record + " record is missing";
+        case ReadProblem::EmptyRemainder:
+            return "does not load: the " + record +
+                   " record has nothing left after its stamp, font and title";
+        case ReadProblem::FontTagTooEarly:
+            return "does not load: the " + record +
+                   " record's first \">\" stands among the six characters after its stamp";
+        case ReadProblem::None:
+            break;
+    }
+    return "does not load";
 }
 
-std::string formatFindingsJson(const std::vector<Finding>&) {
-    return "[]";
+class Checker {
+  public:
+    Checker(std::string file, std::vector<Finding>& findings)
+        : m_file(std::move(file)), m_findings(findings) {}
+
+    void add(int language, std::string field, std::size_t position, Severity severity,
+             std::string message) {
+        m_findings.push_back({m_file, language < 0 ? "" : languageCode(Language(language)),
+                              std::move(field), position, severity, std::move(message)});
+    }
+
+    // Markers that the preview shows as typed or that eat text, scanned as
+    // the preview scans: a tag is named three characters after a separator.
+    void checkMarkers(int language, TextView body) {
+        const TextView separator = markup::kSeparator;
+        for (std::size_t i = body.find(separator); i != TextView::npos;
+             i = body.find(separator, i)) {
+            const TextView tag = body.substr(std::min(body.size(), i + markup::kTagOffset));
+            std::size_t length = fixedMarkerLength(tag);
+            if (length == 0 && tag.starts_with(markup::kTagColour)) {
+                length = checkColour(language, body, i);
+            } else if (length == 0) {
+                length = separator.size();
+                if (body.substr(i + separator.size()).starts_with(markup::kTagStart)) {
+                    unknownTag(language, body, i);
+                }
+            }
+            i += length;
+        }
+    }
+
+  private:
+    static std::size_t fixedMarkerLength(TextView tag) {
+        if (tag.starts_with(markup::kTagParagraph)) {
+            return markup::kParagraphBreak.size();
+        }
+        for (TextView name : {markup::kTagLeft, markup::kTagRight, markup::kTagCentre,
+                              markup::kTagLineBreak, markup::kTagPageBreak}) {
+            if (tag.starts_with(name)) {
+                return markup::kLineBreak.size();
+            }
+        }
+        return 0;
+    }
+
+    void unknownTag(int language, TextView body, std::size_t at) {
+        const std::size_t open = at + markup::kSeparator.size();
+        const std::size_t nextSeparator = body.find(markup::kSeparator, open);
+        const std::size_t close = body.substr(0, nextSeparator).find(markup::kTagEnd, open);
+        if (close == TextView::npos) {
+            add(language, "body", at, Severity::Warning,
+                "\"\\n<\" is not closed by \">\" before the next \\n; the preview shows it as "
+                "typed");
+            return;
+        }
+        const TextView tag = body.substr(open, close + 1 - open);
+        add(language, "body", at, Severity::Warning,
+            (tag.substr(1).starts_with(markup::kTagFont) ? "the font tag " : "unknown tag ") +
+                excerpt(tag) + " is shown as typed in the preview");
+    }
+
+    // A colour marker as the preview reads it: three components of up to
+    // three digits before their "," "," ">", and the marker's end at the
+    // first separator within reach. Returns how far the preview's
+    // replacement reaches from `at`.
+    std::size_t checkColour(int language, TextView body, std::size_t at) {
+        std::size_t next = at + markup::kTagOffset + markup::kTagColour.size();
+        for (char16_t end : {u',', u',', markup::kTagEnd}) {
+            std::size_t digits = 0;
+            while (digits <= kMaxComponentDigits && next + digits < body.size() &&
+                   body[next + digits] != end) {
+                ++digits;
+            }
+            const TextView component = body.substr(std::min(next, body.size()), digits);
+            const bool number =
+                !component.empty() && digits <= kMaxComponentDigits &&
+                std::ranges::all_of(component, [](char16_t c) { return c >= u'0' && c <= u'9'; });
+            const auto value = markup::colourComponentValue(component);
+            if (!number || !value || *value != std::stoi(toUtf8(component))) {
+                add(language, "body", next, Severity::Warning,
+                    "colour component " + excerpt(component) +
+                        " is not a whole number from 0 to 255");
+            }
+            next += digits + 1;
+        }
+        const std::size_t close =
+            body.substr(0, at + kColourReach + 1).find(markup::kSeparator, at + 3);
+        if (close == TextView::npos) {
+            add(language, "body", at, Severity::Error,
+                "the colour marker has no closing \\n within reach: the preview swallows the " +
+                    std::to_string(kColourReach) + " characters from its backslash");
+            return kColourReach;
+        }
+        if (close > next) {
+            add(language, "body", next - 1, Severity::Warning,
+                "text between the colour marker's \">\" and its closing \\n is not shown");
+        }
+        return close + markup::kSeparator.size() - at;
+    }
+
+    std::string m_file;
+    std::vector<Finding>& m_findings;
+};
+
+// Where two texts first differ.
+std::size_t firstDifference(TextView a, TextView b) {
+    const auto [left, right] = std::ranges::mismatch(a, b);
+    return static_cast<std::size_t>(left - a.begin());
+}
+
+}  // namespace
+
+std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file) {
+    std::vector<Finding> findings;
+    Checker checker(file, findings);
+
+    if (const auto undefined = bytes.find_first_of(kUndefinedBytes);
+        undefined != std::string_view::npos) {
+        char hex[8];
+        std::snprintf(hex, sizeof hex, "0x%02X", static_cast<unsigned char>(bytes[undefined]));
+        checker.add(-1, "file", undefined, Severity::Warning,
+                    std::string("byte ") + hex + " is not a character in Windows-1252");
+    }
+
+    const SchemaRead read = readSchema(bytes);
+    const auto document = documentAfterLoad(read);
+    if (!document) {
+        const int record = read.records.empty() ? -1 : static_cast<int>(read.records.size()) - 1;
+        const std::string name = record < 0 ? "" : toUtf8(infoOf(Language(record)).tabCaption);
+        checker.add(record, record < 0 ? "file" : "record", 0, Severity::Error,
+                    loadProblem(read.problem, name));
+        return findings;
+    }
+
+    // What a save from the window writes must load back as it is now.
+    const auto saved = documentAfterLoad(readSchema(composeSchemaBytes(*document, {})));
+    if (saved && saved->font != document->font) {
+        checker.add(
+            -1, "font", firstDifference(document->font, saved->font), Severity::Error,
+            "the font name " + excerpt(document->font) + " does not load back after a save");
+    }
+
+    const LanguageEntry& english = document->entries[0];
+    for (int i = 0; i < kLanguageCount; ++i) {
+        const LanguageEntry& entry = document->entries[i];
+        if (!read.writerLayout[i]) {
+            checker.add(i, "record", 0, Severity::Warning,
+                        "in the older layout (tags without \\n around them); a save writes "
+                        "the current one");
+        }
+        const std::pair<const char*, TextView> fields[] = {{"title", entry.title},
+                                                           {"body", entry.body}};
+        const LanguageEntry* after = saved ? &saved->entries[i] : nullptr;
+        for (const auto& [field, text] : fields) {
+            const bool title = field == std::string_view("title");
+            const TextView again = after ? (title ? TextView(after->title) : after->body) : text;
+            if (again != text) {
+                checker.add(i, field, firstDifference(text, again), Severity::Error,
+                            std::string("a save cannot carry this ") + field +
+                                ": it would load back differently");
+            }
+            if (text.empty()) {
+                checker.add(i, field, 0, Severity::Warning, std::string("empty ") + field);
+            } else if (i > 0 && text == (title ? TextView(english.title) : english.body)) {
+                checker.add(i, field, 0, Severity::Warning,
+                            std::string("the same as the English ") + field + ": not translated?");
+            }
+        }
+        checker.checkMarkers(i, entry.body);
+    }
+    return findings;
+}
+
+std::string formatFinding(const Finding& finding) {
+    std::string line = finding.file + ": ";
+    if (!finding.language.empty()) {
+        line += finding.language + " ";
+    }
+    line += finding.field + " " + std::to_string(finding.position) + ": ";
+    line += finding.severity == Severity::Error ? "error: " : "warning: ";
+    return line + finding.message;
+}
+
+namespace {
+
+std::string jsonString(std::string_view text) {
+    std::string json = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') {
+            json += '\\';
+            json += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned char>(c));
+            json += escaped;
+        } else {
+            json += c;
+        }
+    }
+    return json + "\"";
+}
+
+}  // namespace
+
+std::string formatFindingsJson(const std::vector<Finding>& findings) {
+    std::string json = "[";
+    for (std::size_t k = 0; k < findings.size(); ++k) {
+        const Finding& f = findings[k];
+        json += k == 0 ? "" : ",";
+        json += "{\"file\":" + jsonString(f.file) + ",\"language\":" + jsonString(f.language) +
+                ",\"field\":" + jsonString(f.field) +
+                ",\"position\":" + std::to_string(f.position) +
+                ",\"severity\":" + jsonString(f.severity == Severity::Error ? "error" : "warning") +
+                ",\"message\":" + jsonString(f.message) + "}";
+    }
+    return json + "]";
 }
 
 }  // namespace lorekeep::tool

@@ -12,8 +12,8 @@ enum class Severity { Warning, Error };
 
 struct Finding {
     std::string file;
-    std::string language;  // "en", "fr", "de", "it"; empty for the file as a whole
-    std::string field;     // "title", "body", "font", "record" or "file"
+    std::string language;      // "en", "fr", "de", "it"; empty for the file as a whole
+    std::string field;         // "title", "body", "font", "record" or "file"
     std::size_t position = 0;  // characters from the start of the field (of the file for "file")
     Severity severity = Severity::Warning;
     std::string message;  // one line

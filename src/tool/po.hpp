@@ -29,7 +29,7 @@ struct ImportCounts {
 // not touched. Refuses, per entry, a translation whose markers differ from
 // the English, an English text that no longer matches the file, and text the
 // file cannot hold; the other entries still apply. Reports on `out`.
-ImportCounts importPo(const std::string& poFile, const std::vector<SchemaFile>& files,
-                      bool dryRun, std::ostream& out);
+ImportCounts importPo(const std::string& poFile, const std::vector<SchemaFile>& files, bool dryRun,
+                      std::ostream& out);
 
 }  // namespace lorekeep::tool

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <filesystem>
 #include <array>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,7 +15,8 @@
 namespace lorekeep::tool {
 
 // The language codes of the command line and of PO files, in language order.
-inline constexpr std::array<std::string_view, kLanguageCount> kLanguageCodes{"en", "fr", "de", "it"};
+inline constexpr std::array<std::string_view, kLanguageCount> kLanguageCodes{"en", "fr", "de",
+                                                                             "it"};
 
 inline std::string languageCode(Language language) {
     return std::string(kLanguageCodes[indexOf(language)]);

@@ -1,7 +1,50 @@
 #!/bin/sh
-# lorekeep-tool as a user runs it: usage errors end with status 2.
+# lorekeep-tool as a user runs it: exit statuses and what it prints.
+#   command_line_test.sh path/to/lorekeep-tool tests/tool/data
 set -u
 tool="$1"
-"$tool" >/dev/null 2>&1; [ $? -eq 2 ] || { echo "no command: not 2"; exit 1; }
-"$tool" bogus >/dev/null 2>&1; [ $? -eq 2 ] || { echo "unknown command: not 2"; exit 1; }
-exit 0
+data="$2"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failed=0
+
+# expect STATUS DESCRIPTION COMMAND...: runs the command, output in $work/out.
+expect() {
+    want=$1 what=$2
+    shift 2
+    "$@" >"$work/out" 2>"$work/err"
+    got=$?
+    if [ "$got" -ne "$want" ]; then
+        echo "FAIL: $what: exit $got, expected $want"
+        cat "$work/out" "$work/err"
+        failed=1
+    fi
+}
+# contains DESCRIPTION TEXT: the last output holds the text.
+contains() {
+    if ! grep -qF -- "$2" "$work/out"; then
+        echo "FAIL: $1: output lacks: $2"
+        cat "$work/out"
+        failed=1
+    fi
+}
+
+expect 2 "no command" "$tool"
+expect 2 "unknown command" "$tool" bogus
+expect 2 "unknown option" "$tool" check --bogus "$data/clean"
+expect 2 "check without paths" "$tool" check
+expect 2 "bad format" "$tool" check --format xml "$data/clean"
+expect 2 "export without language" "$tool" export "$data/clean" -o "$work/x.po"
+expect 0 "help" "$tool" --help
+contains "help" "lorekeep-tool check"
+
+expect 0 "check a clean folder" "$tool" check "$data/clean"
+[ -s "$work/out" ] && { echo "FAIL: clean folder printed findings"; cat "$work/out"; failed=1; }
+expect 1 "check a broken file" "$tool" check "$data/clean" "$data/broken.sch"
+contains "broken file" "broken.sch: file 0: error: does not load"
+expect 1 "check a missing path" "$tool" check "$data/clean" "$work/missing"
+expect 1 "json" "$tool" check --format json "$data/broken.sch"
+contains "json" '"severity":"error"'
+[ "$(head -c 1 "$work/out")" = "[" ] || { echo "FAIL: json is not an array"; failed=1; }
+
+exit $failed
