@@ -29,7 +29,10 @@ std::string excerpt(TextView text) {
     Text shown(text.substr(0, kQuotedTag));
     std::ranges::replace_if(
         shown, [](char16_t c) { return c < u' '; }, u'?');
-    return "\"" + toUtf8(shown) + (text.size() > kQuotedTag ? "...\"" : "\"");
+    std::string result(1, '"');
+    result += toUtf8(shown);
+    result += text.size() > kQuotedTag ? "...\"" : "\"";
+    return result;
 }
 
 std::string loadProblem(ReadProblem problem, const std::string& record) {
