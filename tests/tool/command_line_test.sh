@@ -47,4 +47,10 @@ expect 1 "json" "$tool" check --format json "$data/broken.sch"
 contains "json" '"severity":"error"'
 [ "$(head -c 1 "$work/out")" = "[" ] || { echo "FAIL: json is not an array"; failed=1; }
 
+expect 0 "render" "$tool" render "$data/clean/intro.sch" --language fr -o "$work/fr.html"
+grep -q 'lang="fr"' "$work/fr.html" && grep -q "Bienvenue, voyageur." "$work/fr.html" ||
+    { echo "FAIL: render wrote no French page"; failed=1; }
+expect 1 "render a file that does not load" "$tool" render "$data/broken.sch"
+expect 2 "render without a file" "$tool" render --language fr
+
 exit $failed
