@@ -3,12 +3,13 @@
 // holds at most four records, stops at its first unreadable one, names fonts
 // consistently, a record length limit only ever fails the read as a whole, and
 // a file without a backslash, so without the writer's layout, reads the same in
-// both layouts.
+// both layouts; the checker of lorekeep-tool takes them too.
 #include <algorithm>
 #include <cstdlib>
 
 #include "schema/schema_document.hpp"
 #include "schema/schema_reader.hpp"
+#include "tool/check.hpp"
 
 using namespace lorekeep;
 
@@ -25,8 +26,9 @@ void check(const SchemaRead& read) {
     }
     const bool everyBody = std::all_of(read.records.begin(), read.records.end(),
                                        [](const RecordRead& record) { return record.body; });
-    if (read.complete() != (read.records.size() == kLanguageCount && everyBody)) {
-        std::abort();
+    if (read.complete() != (read.records.size() == kLanguageCount && everyBody) ||
+        read.complete() != (read.problem == ReadProblem::None)) {
+        std::abort();  // a read that stops says by which rule, and only then
     }
     for (const RecordRead& record : read.records) {
         const auto& font = record.font;
@@ -49,6 +51,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // that cannot hold a record in that layout: it takes a separator, "\n",
     // even once commas and line ends have joined the fields.
     if (bytes.find('\\') == std::string_view::npos && older.records != read.records) {
+        std::abort();
+    }
+    // lorekeep-tool check takes the same bytes: a file that does not load is
+    // one error and nothing else.
+    const auto findings = tool::checkSchema(bytes, "f.sch");
+    if (!read.complete() &&
+        (findings.empty() || findings.back().severity != tool::Severity::Error)) {
         std::abort();
     }
     return 0;
