@@ -53,4 +53,20 @@ grep -q 'lang="fr"' "$work/fr.html" && grep -q "Bienvenue, voyageur." "$work/fr.
 expect 1 "render a file that does not load" "$tool" render "$data/broken.sch"
 expect 2 "render without a file" "$tool" render --language fr
 
+cp -R "$data/clean" "$work/mod"
+cp "$work/mod/intro.sch" "$work/intro.before"
+expect 0 "export" "$tool" export --language de "$work/mod" -o "$work/de.po"
+if command -v msgfmt >/dev/null; then
+    expect 0 "msgfmt --check" msgfmt --check -o /dev/null "$work/de.po"
+fi
+expect 0 "import unchanged" "$tool" import "$work/de.po" "$work/mod"
+cmp -s "$work/mod/intro.sch" "$work/intro.before" || { echo "FAIL: unchanged import wrote"; failed=1; }
+# A good title and a body that lost its line break: the title still applies.
+sed 's/msgstr "Die Burg"/msgstr "Die Feste"/; s/Reisender\.\\\\n<br>\\\\n/Reisender./' \
+    "$work/de.po" >"$work/de2.po"
+expect 1 "import a dropped marker" "$tool" import "$work/de2.po" "$work/mod"
+contains "dropped marker" "refused: the markers differ from the English"
+contains "dropped marker" "intro.sch: 1 translation applied"
+grep -q "Die Feste" "$work/mod/intro.sch" || { echo "FAIL: the good entry was not applied"; failed=1; }
+
 exit $failed
