@@ -1,5 +1,6 @@
 #include "tool/cli.hpp"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <optional>
@@ -164,12 +165,13 @@ int render(const Arguments& a, std::ostream& out, std::ostream& err) {
     }
     const std::string& path = a.positional[0];
     const auto bytes = readBytes(path);
-    const auto document = bytes ? documentAfterLoad(readSchema(*bytes)) : std::nullopt;
+    auto document = bytes ? documentAfterLoad(readSchema(*bytes)) : std::nullopt;
     if (!document) {
         err << "lorekeep-tool: " << path << ": "
             << (bytes ? "does not load (lorekeep-tool check says why)" : "cannot be read") << "\n";
         return 1;
     }
+    document->name = fromUtf8(std::filesystem::path(path).stem().string());  // a title's stand-in
     const std::string html = renderHtml(*document, *language);
     if (!a.output || *a.output == "-") {
         out << html;
