@@ -5,8 +5,6 @@
 
 #include "markup/markers.hpp"
 #include "markup/renderer.hpp"
-#include "schema/date_stamp.hpp"
-#include "schema/schema_writer.hpp"
 #include "schema/windows1252.hpp"
 #include "tool/schema_set.hpp"
 
@@ -194,7 +192,7 @@ std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file
     }
 
     // What a save from the window writes must load back as it is now.
-    const auto saved = documentAfterLoad(readSchema(composeSchemaBytes(*document, {})));
+    const auto saved = documentAfterSave(*document);
     if (saved && saved->font != document->font) {
         checker.add(
             -1, "font", firstDifference(document->font, saved->font), Severity::Error,

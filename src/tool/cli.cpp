@@ -5,7 +5,6 @@
 #include <iostream>
 #include <optional>
 
-#include "schema/schema_reader.hpp"
 #include "tool/check.hpp"
 #include "tool/html.hpp"
 #include "tool/po.hpp"
@@ -164,11 +163,10 @@ int render(const Arguments& a, std::ostream& out, std::ostream& err) {
         return usageError(err, "render needs one schema file and --language en|fr|de|it");
     }
     const std::string& path = a.positional[0];
-    const auto bytes = readBytes(path);
-    auto document = bytes ? documentAfterLoad(readSchema(*bytes)) : std::nullopt;
+    auto document = loadDocument(path);
     if (!document) {
-        err << "lorekeep-tool: " << path << ": "
-            << (bytes ? "does not load (lorekeep-tool check says why)" : "cannot be read") << "\n";
+        err << "lorekeep-tool: " << path
+            << ": cannot be read or does not load (lorekeep-tool check says why)\n";
         return 1;
     }
     document->name = fromUtf8(std::filesystem::path(path).stem().string());  // a title's stand-in

@@ -15,7 +15,6 @@
 #include <ostream>
 
 #include "schema/schema_file.hpp"
-#include "schema/schema_writer.hpp"
 #include "schema/windows1252.hpp"
 #include "tool/markers.hpp"
 
@@ -138,11 +137,6 @@ std::string keepComment(TextView english) {
     return comment;
 }
 
-std::optional<SchemaDocument> loadDocument(const SchemaFile& file) {
-    const auto bytes = readBytes(file.path);
-    return bytes ? documentAfterLoad(readSchema(*bytes)) : std::nullopt;
-}
-
 // UTF-8 for a message on one line: real line breaks shown as "↵".
 std::string oneLine(TextView text) {
     std::string line;
@@ -235,7 +229,7 @@ std::optional<std::string> apply(Target& target, Language language, Field field,
     }
     if (!target.tried) {
         target.tried = true;
-        target.document = loadDocument(*target.file);
+        target.document = loadDocument(target.file->path);
         if (target.document) {
             placeDocument(*target.document, target.file->path);
         }
@@ -257,7 +251,7 @@ std::optional<std::string> apply(Target& target, Language language, Field field,
     }
     SchemaDocument trial = *target.document;
     fieldOf(trial, language, field) = translation;
-    const auto back = documentAfterLoad(readSchema(composeSchemaBytes(trial, LocalDateTime{})));
+    const auto back = documentAfterSave(trial);
     if (!back || back->entries != trial.entries || back->font != trial.font) {
         if (field == Field::Title && translation.find(u'>') != Text::npos) {
             return "a title cannot hold \">\": the file's title tag ends there";
@@ -307,7 +301,7 @@ bool exportPo(const std::vector<SchemaFile>& files, Language language, bool temp
                                       .c_str());
     po_message_insert(at.get(), header);
     for (const SchemaFile& file : files) {
-        const auto document = loadDocument(file);
+        const auto document = loadDocument(file.path);
         if (!document) {
             errors << "lorekeep-tool: " << file.path.string() << ": does not load; left out\n";
             continue;

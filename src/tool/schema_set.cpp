@@ -5,6 +5,8 @@
 #include <iterator>
 #include <sstream>
 
+#include "schema/schema_writer.hpp"
+
 namespace lorekeep::tool {
 
 namespace fs = std::filesystem;
@@ -91,6 +93,15 @@ std::optional<SchemaDocument> documentAfterLoad(const SchemaRead& read) {
         document.entries[i].body = *record.body;
     }
     return document;
+}
+
+std::optional<SchemaDocument> loadDocument(const fs::path& path) {
+    const auto bytes = readBytes(path);
+    return bytes ? documentAfterLoad(readSchema(*bytes)) : std::nullopt;
+}
+
+std::optional<SchemaDocument> documentAfterSave(const SchemaDocument& document) {
+    return documentAfterLoad(readSchema(composeSchemaBytes(document, LocalDateTime{})));
 }
 
 }  // namespace lorekeep::tool

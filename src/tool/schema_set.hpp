@@ -45,4 +45,11 @@ std::optional<std::string> readBytes(const std::filesystem::path& path);
 // Nothing when the load fails.
 std::optional<SchemaDocument> documentAfterLoad(const SchemaRead& read);
 
+// The same for the file at `path`; nothing when it cannot be read or loaded.
+std::optional<SchemaDocument> loadDocument(const std::filesystem::path& path);
+
+// What a fresh window loads from the file that saving `document` writes:
+// where it differs from `document`, the file cannot carry the text.
+std::optional<SchemaDocument> documentAfterSave(const SchemaDocument& document);
+
 }  // namespace lorekeep::tool
