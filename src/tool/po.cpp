@@ -149,7 +149,10 @@ std::string oneLine(TextView text) {
 std::string markerList(const std::vector<Text>& markers) {
     std::string list;
     for (const Text& marker : markers) {
-        list += (list.empty() ? "" : " ") + oneLine(marker);
+        if (!list.empty()) {
+            list += ' ';
+        }
+        list += oneLine(marker);
     }
     return list;
 }
@@ -172,9 +175,15 @@ std::optional<std::string> markerProblem(TextView english, TextView translation)
         return "the markers stand in another order than in the English";
     }
     std::string problem = "the markers differ from the English:";
-    problem += missing.empty() ? "" : " missing " + markerList(missing);
-    problem += missing.empty() || extra.empty() ? "" : ";";
-    problem += extra.empty() ? "" : " extra " + markerList(extra);
+    if (!missing.empty()) {
+        problem.append(" missing ").append(markerList(missing));
+    }
+    if (!missing.empty() && !extra.empty()) {
+        problem += ';';
+    }
+    if (!extra.empty()) {
+        problem.append(" extra ").append(markerList(extra));
+    }
     return problem;
 }
 
@@ -196,7 +205,9 @@ std::optional<std::string> unencodable(TextView text) {
                      : character[0];
             char hex[16];
             std::snprintf(hex, sizeof hex, "U+%04X", static_cast<unsigned>(code));
-            return "\"" + toUtf8(character) + "\" (" + hex + ") cannot be written in Windows-1252";
+            std::string problem(1, '"');
+            problem.append(toUtf8(character)).append("\" (").append(hex);
+            return problem.append(") cannot be written in Windows-1252");
         }
         at += character.size();
     }
