@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "editor/texts.hpp"
+#include "schema/schema_document.hpp"
 #include "ui/main_window.hpp"
 #include "ui/qt_text.hpp"
 
@@ -58,6 +59,12 @@ std::optional<int> readCommandLine(int argc, char* argv[], QString& file) {
             file = lorekeep::ui::toQString(lorekeep::fromUtf8(argv[k]));
             break;
         }
+    }
+    // Anything else would be opened as <name>.sch, a file not asked for.
+    if (!file.isEmpty() && !lorekeep::hasSchemaExtension(lorekeep::ui::fromQString(file))) {
+        std::fprintf(stderr, "lorekeep: %s is not a schema file: its name must end in .sch\n",
+                     qPrintable(file));
+        return 2;
     }
     return std::nullopt;
 }

@@ -1,5 +1,6 @@
 #include "editor/schema_editor.hpp"
 
+#include <algorithm>
 #include <new>
 
 #include "editor/text_edits.hpp"
@@ -186,7 +187,7 @@ void SchemaEditor::openClicked() {
 void SchemaEditor::openFile(TextView path) {
     const std::size_t folderEnd = path.rfind(kPathSeparator) + 1;  // 0 without a folder
     TextView name = path.substr(folderEnd);
-    if (name.ends_with(kSchemaExtension)) {
+    if (hasSchemaExtension(name)) {
         name.remove_suffix(kSchemaExtension.size());
     }
     m_controls.folderBox->setText(path.substr(0, folderEnd));
@@ -251,15 +252,9 @@ bool SchemaEditor::applyLoad(TextView schemaName, TextView schemaFolder) {
     // Nothing in the window changes until the whole file has been read, and
     // nothing at all when a field is longer than its box may hold: the window
     // never shows a cut text as if it were the file's.
-    const std::size_t largestFile =
-        largestSchemaSize({kMaxLineLength, kMaxLineLength, kMaxTitleLength, kMaxBodyLength});
-    const LoadResult loaded = loadSchema(schemaFolder, schemaName, {}, largestFile);
-    for (const RecordRead& record : loaded.read.records) {
-        if ((record.font && record.font->text.size() > kMaxLineLength) ||
-            (record.title && record.title->size() > kMaxTitleLength) ||
-            (record.body && record.body->size() > kMaxBodyLength)) {
-            return false;
-        }
+    const LoadResult loaded = loadSchema(schemaFolder, schemaName);
+    if (!std::ranges::all_of(loaded.read.records, fitsTheWindow)) {
+        return false;
     }
     for (std::size_t i = 0; i < loaded.read.records.size(); ++i) {
         const RecordRead& record = loaded.read.records[i];

@@ -6,6 +6,7 @@
 #include "editor/text_edits.hpp"
 #include "markup/incremental_renderer.hpp"
 #include "schema/date_stamp.hpp"
+#include "schema/limits.hpp"
 #include "schema/schema_reader.hpp"
 
 namespace lorekeep::editor {
@@ -14,16 +15,6 @@ namespace lorekeep::editor {
 inline constexpr int kRichTextBoxCount = 8;
 inline constexpr int kPreviewIndexOffset = 4;
 inline constexpr int kColourBoxesPerLanguage = 3;
-
-// The longest body the window takes on. Typing costs the same at any length,
-// but loading, the memory for the text, its preview and their undo steps
-// grow with it. No paste, keystroke or command makes a body longer, and a
-// file holding a longer one is not loaded.
-inline constexpr std::size_t kMaxBodyLength = 16'000'000;
-// A title box is one line, which the toolkit lays out whole on every change.
-inline constexpr std::size_t kMaxTitleLength = 4'000'000;
-// The font, folder and name boxes: the toolkit's usual single-line limit.
-inline constexpr std::size_t kMaxLineLength = 32'767;
 
 // Every control of the main window that the behaviour reads or writes.
 struct WindowControls {
@@ -91,7 +82,8 @@ class SchemaEditor {
 
     // Opens a schema file by its full path, as a file manager hands it over:
     // the folder box takes its folder (with the trailing separator), the name
-    // box its name less ".sch", and the load runs as the load button runs it.
+    // box its name less ".sch" (in any letter case), and the load runs as the
+    // load button runs it.
     void openFile(TextView path);
 
     // Writes schemaFolder/schemaName.sch from the controls; a failure shows

@@ -2,12 +2,15 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <random>
@@ -156,51 +159,204 @@ bool writeAll(int fd, std::string_view bytes) {
     return true;
 }
 
-bool readAll(int fd, std::string& bytes) {
-    char buffer[1 << 16];
-    for (;;) {
-        const ssize_t n = read(fd, buffer, sizeof buffer);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            return n == 0;
-        }
-        bytes.append(buffer, static_cast<std::size_t>(n));
-    }
-}
-
 // Writes `bytes` over the file's content and flushes it to disk.
 bool putContent(int fd, std::string_view bytes) {
     return lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, bytes) &&
            ftruncate(fd, static_cast<off_t>(bytes.size())) == 0 && fsync(fd) == 0;
 }
 
-// The file rewritten where it stands, so that its owner, mode and hard links
-// stay: the old bytes are read first, and written back when any write of the
-// new ones fails.
-bool rewriteInPlace(const std::string& path, std::string_view bytes, std::string* error) {
-    const int fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd < 0) {
-        return fail(error, "cannot open " + path, errno);
+// Copies what is left to read of `from` to `to`; false (with errno) when a
+// read or a write fails.
+bool copyRest(int from, int to) {
+    std::vector<char> buffer(1 << 16);
+    for (;;) {
+        const ssize_t n = read(from, buffer.data(), buffer.size());
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return n == 0;
+        }
+        if (!writeAll(to, {buffer.data(), static_cast<std::size_t>(n)})) {
+            return false;
+        }
     }
-    std::string old;
+}
+
+// Whether the file open at `fd` holds exactly `expected`.
+bool holds(int fd, std::string_view expected) {
     struct stat st {};
-    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || !readAll(fd, old)) {
+    if (fstat(fd, &st) != 0 || static_cast<std::uintmax_t>(st.st_size) != expected.size() ||
+        lseek(fd, 0, SEEK_SET) != 0) {
+        return false;
+    }
+    std::vector<char> buffer(1 << 16);
+    std::size_t at = 0;
+    for (;;) {
+        const ssize_t n = read(fd, buffer.data(), buffer.size());
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return n == 0 && at == expected.size();
+        }
+        const auto got = static_cast<std::size_t>(n);
+        if (got > expected.size() - at ||
+            expected.substr(at, got) != std::string_view(buffer.data(), got)) {
+            return false;
+        }
+        at += got;
+    }
+}
+
+// Whether the file at `path` (already resolved) still holds `expected`.
+bool stillHolds(const std::string& path, std::string_view expected) {
+    const int fd = open(path.c_str(), O_RDONLY | O_NOCTTY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        return false;
+    }
+    const bool same = holds(fd, expected);
+    close(fd);
+    return same;
+}
+
+// Makes a folder and those above it, for this user only where it is new.
+bool makeFolders(const std::string& folder) {
+    for (std::size_t slash = folder.find('/', 1);; slash = folder.find('/', slash + 1)) {
+        const std::string part = folder.substr(0, slash);
+        if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) {
+            return false;
+        }
+        if (slash == std::string::npos) {
+            return true;
+        }
+    }
+}
+
+bool flushFolderOf(const std::string& path) {
+    const int dir = open(directoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool flushed = dir >= 0 && (fsync(dir) == 0 || errno == EINVAL);
+    if (dir >= 0) {
+        close(dir);
+    }
+    return flushed;
+}
+
+// The old bytes of a file that is about to be rewritten in place, kept on
+// disk until the new ones are, so that a rewrite cut short by a crash can be
+// undone by hand.
+class RecoveryCopy {
+  public:
+    RecoveryCopy() = default;
+    RecoveryCopy(const RecoveryCopy&) = delete;
+    RecoveryCopy& operator=(const RecoveryCopy&) = delete;
+    ~RecoveryCopy() {
+        if (m_fd >= 0) {
+            close(m_fd);
+        }
+    }
+
+    // Copies the file open at `fd`, whose full path is `target`, and flushes
+    // the copy and a note of the path. False, with errno, when it cannot.
+    bool keep(int fd, const std::string& target) {
+        const std::string folder = recoveryFolder();
+        if (folder.empty()) {
+            errno = ENOENT;
+            return false;
+        }
+        if (!makeFolders(folder)) {
+            return false;
+        }
+        m_copy = folder + "/" + baseNameOf(target).substr(0, kMaxTempStem) + ".XXXXXX";
+        m_fd = mkostemp(m_copy.data(), O_CLOEXEC);
+        if (m_fd < 0) {
+            m_copy.clear();
+            return false;
+        }
+        const std::string note = m_copy + ".path";
+        const int noteFd = open(note.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        const bool kept = lseek(fd, 0, SEEK_SET) == 0 && copyRest(fd, m_fd) && fsync(m_fd) == 0 &&
+                          noteFd >= 0 && writeAll(noteFd, target + "\n") && fsync(noteFd) == 0 &&
+                          flushFolderOf(m_copy);
+        const int code = errno;
+        if (noteFd >= 0) {
+            close(noteFd);
+        }
+        if (!kept) {
+            discard();
+            errno = code;
+        }
+        return kept;
+    }
+
+    // Writes the old bytes back over the file open at `fd`.
+    bool putBack(int fd) {
+        struct stat st {};
+        return fstat(m_fd, &st) == 0 && lseek(m_fd, 0, SEEK_SET) == 0 &&
+               lseek(fd, 0, SEEK_SET) == 0 && copyRest(m_fd, fd) &&
+               ftruncate(fd, st.st_size) == 0 && fsync(fd) == 0;
+    }
+
+    // The new bytes are on disk: the copy goes.
+    void discard() {
+        if (!m_copy.empty()) {
+            unlink(m_copy.c_str());
+            unlink((m_copy + ".path").c_str());
+        }
+        m_copy.clear();
+    }
+
+    const std::string& path() const { return m_copy; }
+
+  private:
+    int m_fd = -1;
+    std::string m_copy;
+};
+
+ReplaceResult failed(const std::string& what, int code) {
+    std::string error;
+    fail(&error, what, code);
+    return {false, false, error};
+}
+
+// The file rewritten where it stands, so that its owner, mode and hard links
+// stay, with its old bytes in a recovery copy until the new ones are on disk.
+ReplaceResult rewriteInPlace(const std::string& path, std::string_view bytes,
+                             const std::string* expected) {
+    const int fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        return failed("cannot open " + path, errno);
+    }
+    struct stat st {};
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        close(fd);
+        return failed(path + " is not a regular file", EINVAL);
+    }
+    if (expected != nullptr && !holds(fd, *expected)) {
+        close(fd);
+        return {false, true, path + " changed meanwhile"};
+    }
+    RecoveryCopy copy;
+    if (!copy.keep(fd, path)) {
         const int code = errno;
         close(fd);
-        return fail(error, "cannot read " + path, code);
+        return failed("cannot keep a recovery copy of " + path + " in " + recoveryFolder(), code);
     }
     if (!putContent(fd, bytes)) {
         const int code = errno;
-        putContent(fd, old);
+        const bool restored = copy.putBack(fd);
         close(fd);
-        return fail(error, "cannot rewrite " + path + "; its old content was put back", code);
+        if (restored) {
+            copy.discard();
+            return failed("cannot rewrite " + path + "; its old content was put back", code);
+        }
+        return failed("cannot rewrite " + path + "; its old content is in " + copy.path(), code);
     }
     if (close(fd) != 0) {
-        return fail(error, "cannot close " + path, errno);
+        return failed("cannot close " + path + "; its old content is in " + copy.path(), errno);
     }
-    return true;
+    copy.discard();
+    return {true, false, {}};
 }
 
 bool isTempName(std::string_view name, std::string_view prefix) {
@@ -220,8 +376,7 @@ void removeStaleTemps(const std::string& directory, const std::string& prefix) {
         if (!isTempName(entry->d_name, prefix)) {
             continue;
         }
-        const int fd =
-            openat(dirFd, entry->d_name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+        const int fd = openat(dirFd, entry->d_name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
         if (fd < 0) {
             continue;
         }
@@ -269,19 +424,34 @@ bool flushFolder(const std::string& directory, std::string* error) {
     const bool flushed = fsync(dir) == 0 || errno == EINVAL;
     const int code = errno;
     close(dir);
-    return flushed || fail(error, "the file is written but " + directory + " cannot be flushed",
-                           code);
+    return flushed ||
+           fail(error, "the file is written but " + directory + " cannot be flushed", code);
 }
 
 }  // namespace
 
-bool replaceFileContents(const std::string& path, std::string_view bytes, std::string* error) {
-    if (path.empty() || path.find('\0') != std::string::npos) {
-        return fail(error, "invalid file name", EINVAL);
+std::string recoveryFolder() {
+    const char* state = std::getenv("XDG_STATE_HOME");
+    if (state != nullptr && state[0] == '/') {
+        return std::string(state) + "/lorekeep";
     }
+    const char* home = std::getenv("HOME");
+    if (home == nullptr || home[0] != '/') {
+        const passwd* user = getpwuid(geteuid());
+        home = user != nullptr ? user->pw_dir : nullptr;
+    }
+    return home != nullptr && home[0] == '/' ? std::string(home) + "/.local/state/lorekeep" : "";
+}
+
+ReplaceResult replaceFileContents(const std::string& path, std::string_view bytes,
+                                  const std::string* expected) {
+    if (path.empty() || path.find('\0') != std::string::npos) {
+        return failed("invalid file name", EINVAL);
+    }
+    std::string error;
     std::string target;
-    if (!resolvePath(path, target, error)) {
-        return false;
+    if (!resolvePath(path, target, &error)) {
+        return {false, false, error};
     }
 
     mode_t mode = defaultFileMode();
@@ -290,22 +460,24 @@ bool replaceFileContents(const std::string& path, std::string_view bytes, std::s
     if (lstat(target.c_str(), &old) == 0) {
         exists = true;
         if (!S_ISREG(old.st_mode)) {
-            return fail(error, target + " is not a regular file", EISDIR);
+            return failed(target + " is not a regular file", EISDIR);
         }
         // Root may write anything; a file with no write bit is still read-only
         // to the user, so it is not replaced behind their back.
         if ((old.st_mode & 0222) == 0) {
-            return fail(error, target + " is read-only", EACCES);
+            return failed(target + " is read-only", EACCES);
         }
         const int probe =
             open(target.c_str(), O_WRONLY | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
         if (probe < 0) {
-            return fail(error, "cannot write " + target, errno);
+            return failed("cannot write " + target, errno);
         }
         close(probe);
         mode = old.st_mode & 07777;
     } else if (errno != ENOENT) {
-        return fail(error, "cannot inspect " + target, errno);
+        return failed("cannot inspect " + target, errno);
+    } else if (expected != nullptr) {
+        return {false, true, target + " was removed meanwhile"};
     }
 
     const std::string directory = directoryOf(target);
@@ -322,12 +494,14 @@ bool replaceFileContents(const std::string& path, std::string_view bytes, std::s
     if (!unnamed) {
         temp = directory + "/" + tempPrefix + "XXXXXX";
         fd = mkostemp(temp.data(), O_CLOEXEC);
-        if (fd < 0 && exists) {
-            // A folder the user may not write, holding a file the user may.
-            return rewriteInPlace(target, bytes, error);
+        const int code = errno;
+        // Only a folder that refuses new files while the file may be written
+        // is worth the risk of writing in place; a full disk is not.
+        if (fd < 0 && exists && (code == EACCES || code == EPERM || code == EROFS)) {
+            return rewriteInPlace(target, bytes, expected);
         }
         if (fd < 0) {
-            return fail(error, "cannot create a file in " + directory, errno);
+            return failed("cannot create a file in " + directory, code);
         }
     }
     flock(fd, LOCK_EX | LOCK_NB);
@@ -338,7 +512,7 @@ bool replaceFileContents(const std::string& path, std::string_view bytes, std::s
             unlink(temp.c_str());
         }
         close(fd);
-        return fail(error, what, code);
+        return failed(what, code);
     };
     if (!writeAll(fd, bytes)) {
         return abandon("cannot write the new content of " + target);
@@ -353,6 +527,11 @@ bool replaceFileContents(const std::string& path, std::string_view bytes, std::s
     }
     if (fsync(fd) != 0) {
         return abandon("cannot flush the new content of " + target);
+    }
+    if (expected != nullptr && !stillHolds(target, *expected)) {
+        ReplaceResult changed = abandon(target + " changed meanwhile");
+        changed.changedMeanwhile = true;
+        return changed;
     }
 
     bool placed = false;
@@ -377,9 +556,12 @@ bool replaceFileContents(const std::string& path, std::string_view bytes, std::s
     }
     // Closed only now: the lock covers the file until it has its final name.
     if (close(fd) != 0) {
-        return fail(error, "cannot close " + target, errno);
+        return failed("cannot close " + target, errno);
     }
-    return flushFolder(directory, error);
+    if (!flushFolder(directory, &error)) {
+        return {false, false, error};
+    }
+    return {true, false, {}};
 }
 
 }  // namespace lorekeep

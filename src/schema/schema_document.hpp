@@ -43,4 +43,7 @@ inline constexpr std::u16string_view kSchemaExtension = u".sch";
 // directory) and a name typed with its extension carries it twice.
 Text schemaPath(TextView folder, TextView name);
 
+// Whether a file name ends in ".sch", in any letter case (TOWER.SCH too).
+bool hasSchemaExtension(TextView fileName);
+
 }  // namespace lorekeep

@@ -1,14 +1,11 @@
 #include "schema/schema_file.hpp"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <cstdint>
 #include <new>
 
+#include "schema/file_reader.hpp"
+#include "schema/limits.hpp"
 #include "schema/safe_file.hpp"
 #include "schema/schema_writer.hpp"
 
@@ -20,57 +17,43 @@ FileResult failure(std::string reason) {
     return {false, std::move(reason)};
 }
 
-// Reads a regular file of at most `maxSize` bytes, in memory and time that
-// do not depend on how large a refused file is. A FIFO or a device is
-// refused before it is opened, and opening never waits for a writer.
-FileResult readFileBytes(const std::string& path, std::size_t maxSize, std::string& bytes) {
-    if (path.find('\0') != std::string::npos) {
-        return failure("invalid file name");
-    }
-    struct stat st {};
-    if (stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) {
-        return failure(path + " is not a readable file");
-    }
-    const int fd = open(path.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0) {
-        return failure("cannot open " + path);
-    }
-    FileResult result{true, {}};
-    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) ||
-        static_cast<std::uintmax_t>(st.st_size) > maxSize) {
-        result = failure(path + " is not a file of at most " + std::to_string(maxSize) + " bytes");
-    } else {
-        // Read up to one byte more than allowed, which shows a file that grew.
-        const std::size_t cap = maxSize < SIZE_MAX ? maxSize + 1 : SIZE_MAX;
-        bytes.resize(std::min(cap, static_cast<std::size_t>(st.st_size) + 1));
-        std::size_t got = 0;
-        for (;;) {
-            if (got == bytes.size()) {
-                if (got == cap) {
-                    break;
-                }
-                bytes.resize(std::min(cap, 2 * got));
-            }
-            const ssize_t n = read(fd, bytes.data() + got, bytes.size() - got);
-            if (n < 0 && errno == EINTR) {
-                continue;
-            }
-            if (n <= 0) {
-                result = n == 0 ? result : failure("cannot read " + path);
-                break;
-            }
-            got += static_cast<std::size_t>(n);
-        }
-        if (result && got > maxSize) {
-            result = failure(path + " is larger than " + std::to_string(maxSize) + " bytes");
-        }
-        bytes.resize(got);
-    }
-    close(fd);
-    return result;
+}  // namespace
+
+std::size_t maxSchemaFileSize() {
+    static const std::size_t size =
+        largestSchemaSize({kMaxLineLength, kMaxLineLength, kMaxTitleLength, kMaxBodyLength});
+    return size;
 }
 
-}  // namespace
+bool fitsTheWindow(const RecordRead& record) {
+    return (!record.font || record.font->text.size() <= kMaxLineLength) &&
+           (!record.title || record.title->size() <= kMaxTitleLength) &&
+           (!record.body || record.body->size() <= kMaxBodyLength);
+}
+
+std::string schemaFilePath(TextView folder, TextView name) {
+    const std::string exact = toUtf8(schemaPath(folder, name));
+    struct stat st {};
+    if (lstat(exact.c_str(), &st) == 0) {
+        return exact;
+    }
+    // The other seven spellings of "sch": S, C and H each in either case.
+    const std::string stem = exact.substr(0, exact.size() - 3);
+    std::string found;
+    for (int spelling = 1; spelling < 8; ++spelling) {
+        std::string candidate = stem;
+        candidate += (spelling & 1) != 0 ? 'S' : 's';
+        candidate += (spelling & 2) != 0 ? 'C' : 'c';
+        candidate += (spelling & 4) != 0 ? 'H' : 'h';
+        if (lstat(candidate.c_str(), &st) == 0) {
+            if (!found.empty()) {
+                return exact;  // which one is meant is anyone's guess
+            }
+            found = candidate;
+        }
+    }
+    return found.empty() ? exact : found;
+}
 
 FileResult saveSchema(const SchemaDocument& document, const LocalDateTime& stamp) {
     // The name is the file's third line: a line break in it would make a
@@ -79,32 +62,29 @@ FileResult saveSchema(const SchemaDocument& document, const LocalDateTime& stamp
         return failure("a schema name cannot hold a line break");
     }
     try {
-        std::string reason;
         const std::string bytes = composeSchemaBytes(document, stamp);
-        if (!replaceFileContents(toUtf8(schemaPath(document.folder, document.name)), bytes,
-                                 &reason)) {
-            return failure(reason);
-        }
-        return {true, {}};
+        const ReplaceResult replaced =
+            replaceFileContents(schemaFilePath(document.folder, document.name), bytes);
+        return replaced ? FileResult{true, {}} : failure(replaced.error);
     } catch (const std::bad_alloc&) {
         return failure("out of memory");
     }
 }
 
-LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& options,
-                      std::size_t maxFileSize) {
+LoadResult loadSchemaFile(const std::string& path, const ReaderOptions& options,
+                          std::string* bytes) {
     LoadResult result;
     try {
-        std::string bytes;
-        const FileResult file = readFileBytes(toUtf8(schemaPath(folder, name)), maxFileSize, bytes);
-        if (!file) {
-            result.reason = file.reason;
+        std::string read;
+        if (!readFileBytes(path, maxSchemaFileSize(), read, &result.reason)) {
             return result;
         }
-        result.read = readSchema(bytes, options);
+        result.read = readSchema(read, options);
+        if (bytes != nullptr) {
+            *bytes = std::move(read);
+        }
     } catch (const std::bad_alloc&) {
-        result = {false, "out of memory", {}};
-        return result;
+        return {false, "out of memory", {}};
     }
     result.ok = result.read.complete();
     if (result.read.records.empty()) {
@@ -115,6 +95,10 @@ LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& optio
                         " cannot be read";
     }
     return result;
+}
+
+LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& options) {
+    return loadSchemaFile(schemaFilePath(folder, name), options);
 }
 
 }  // namespace lorekeep

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <limits>
 #include <string>
 
 #include "schema/date_stamp.hpp"
@@ -18,6 +17,19 @@ struct FileResult {
     explicit operator bool() const { return ok; }
 };
 
+// The largest schema file that the window saves, and so the largest it
+// reads: every field at its limit.
+std::size_t maxSchemaFileSize();
+
+// Whether a record's fields fit the boxes that show them.
+bool fitsTheWindow(const RecordRead& record);
+
+// The file that folder/name.sch names. Where it does not exist but exactly
+// one file of that name with ".sch" in other letter case does (TOWER.SCH,
+// as a mod from a system that ignores case may bring it), that one: so the
+// schema that opened is the one that saves.
+std::string schemaFilePath(TextView folder, TextView name);
+
 // Writes the document to document.folder/document.name.sch with the given
 // stamp in every record. The whole file is encoded first and replaces the old
 // one only once it is safely on disk: a failed save leaves any existing file
@@ -30,9 +42,13 @@ struct LoadResult {
     SchemaRead read;     // what it holds, as far as it could be read
 };
 
-// Reads folder/name.sch and takes it apart; changes nothing anywhere. A file
-// larger than `maxFileSize` bytes is refused without being read.
-LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& options = {},
-                      std::size_t maxFileSize = std::numeric_limits<std::size_t>::max());
+// Reads the file at `path` (UTF-8) and takes it apart; changes nothing
+// anywhere. A file larger than the window saves is refused without being
+// read. `bytes`, when given, receives the file as read.
+LoadResult loadSchemaFile(const std::string& path, const ReaderOptions& options = {},
+                          std::string* bytes = nullptr);
+
+// The same for folder/name.sch.
+LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& options = {});
 
 }  // namespace lorekeep

@@ -199,6 +199,7 @@ std::optional<std::vector<Text>> collectRecords(TextView text, const ReaderOptio
             result.problem = ReadProblem::FifthRecord;
             return std::nullopt;
         }
+        result.recordStarts.push_back(start);
         const std::size_t end = nextRecordLine(text, start);
         if (!options.acceptWriterLayout || !inWriterLayout(text, start, end)) {
             records.push_back(std::move(*field));

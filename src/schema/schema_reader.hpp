@@ -50,6 +50,9 @@ struct SchemaRead {
     // What stopped the load, when it is not complete; the record it concerns
     // is the last of `records`.
     ReadProblem problem = ReadProblem::None;
+    // Where each record's key starts in the file, for every record the file
+    // holds (fewer than four when records are missing).
+    std::vector<std::size_t> recordStarts;
     // Which of the records read are in the writer's layout (the others in the
     // older one, without separators around the font and title tags).
     std::array<bool, kLanguageCount> writerLayout{};

@@ -62,6 +62,34 @@ Text composeSchemaText(const SchemaDocument& document, const LocalDateTime& stam
     return file;
 }
 
+Text composeRecordText(Language language, const LocalDateTime& stamp, TextView font,
+                       const LanguageEntry& entry) {
+    return composeRecord(language, composeRecordTail(stamp, font), entry);
+}
+
+std::string rewriteRecords(std::string_view bytes, const SchemaRead& read,
+                           const SchemaDocument& document,
+                           const std::array<bool, kLanguageCount>& rewrite,
+                           const LocalDateTime& stamp) {
+    const std::vector<std::size_t>& starts = read.recordStarts;
+    std::string file;
+    file.reserve(bytes.size());
+    std::size_t copied = 0;
+    for (std::size_t i = 0; i < starts.size() && i < rewrite.size(); ++i) {
+        if (!rewrite[i]) {
+            continue;
+        }
+        // A record runs up to the next one's key, line ends and all.
+        file.append(bytes.substr(copied, starts[i] - copied));
+        file += encodeWindows1252(
+            composeRecordText(kAllLanguages[i], stamp, document.font, document.entries[i]));
+        file += encodeWindows1252(kLineEnd);
+        copied = i + 1 < starts.size() ? starts[i + 1] : bytes.size();
+    }
+    file.append(bytes.substr(copied));
+    return file;
+}
+
 std::string composeSchemaBytes(const SchemaDocument& document, const LocalDateTime& stamp) {
     return encodeWindows1252(composeSchemaText(document, stamp));
 }

@@ -4,6 +4,7 @@
 
 #include "schema/date_stamp.hpp"
 #include "schema/schema_document.hpp"
+#include "schema/schema_reader.hpp"
 
 namespace lorekeep {
 
@@ -21,6 +22,20 @@ Text composeSchemaText(const SchemaDocument& document, const LocalDateTime& stam
 
 // The same, encoded in Windows-1252: the bytes that go to disk.
 std::string composeSchemaBytes(const SchemaDocument& document, const LocalDateTime& stamp);
+
+// One record line without its line end: the language's key, the stamp, the
+// font tag, the title tag (only for a non-empty title) and the body.
+Text composeRecordText(Language language, const LocalDateTime& stamp, TextView font,
+                       const LanguageEntry& entry);
+
+// A schema file's `bytes`, which readSchema took apart into `read` (all four
+// records found), with the records of the languages marked in `rewrite`
+// written anew from `document` and `stamp`. Everything else keeps its bytes:
+// the header lines, and the other records with their stamps.
+std::string rewriteRecords(std::string_view bytes, const SchemaRead& read,
+                           const SchemaDocument& document,
+                           const std::array<bool, kLanguageCount>& rewrite,
+                           const LocalDateTime& stamp);
 
 // The longest a field may be.
 struct FieldLimits {

@@ -57,6 +57,13 @@ std::string encodeWindows1252(TextView text) {
             bytes.push_back('?');
             continue;
         }
+        // A byte of a file name that is not UTF-8 travels as U+DC80 + (byte -
+        // 0x80) (see fromUtf8); such names are mostly Latin-1 or Windows-1252
+        // already, so the byte itself is the character meant.
+        if (c >= 0xDC80 && c <= 0xDCFF) {
+            bytes.push_back(static_cast<char>(c - 0xDC00));
+            continue;
+        }
         const int byte = byteFor(c);
         bytes.push_back(byte < 0 ? '?' : static_cast<char>(byte));
     }

@@ -59,7 +59,7 @@ LanguagePage::LanguagePage(int language, const layout::Grid& grid, QPoint offset
                              layout::indexedName("txtTitle", i), layout::kTxtTitleTip, offset);
     titleLabel->setBuddy(titleBox);
     titleBox->setAccessibleName(languageName(i, layout::kTitleName));
-    titleBox->setMaxLength(static_cast<int>(editor::kMaxTitleLength));
+    titleBox->setMaxLength(static_cast<int>(kMaxTitleLength));
 
     bodyEditor = layout::place(new RichTextBox(this), grid, layout::kLanguageEditor,
                                layout::indexedName("rtbText", i), layout::kEditorTip, offset);

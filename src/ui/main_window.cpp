@@ -108,8 +108,8 @@ void MainWindow::createControls(const layout::Grid& grid) {
     nameBox->setAccessibleName(toQString(layout::kTxtNameName));
     // "..." read aloud says nothing; the button is named after what it opens.
     locationButton->setAccessibleName(toQString(texts::kLocationDialogTitle));
-    folderBox->setMaxLength(static_cast<int>(editor::kMaxLineLength));
-    nameBox->setMaxLength(static_cast<int>(editor::kMaxLineLength));
+    folderBox->setMaxLength(static_cast<int>(kMaxLineLength));
+    nameBox->setMaxLength(static_cast<int>(kMaxLineLength));
 
     fontLabel =
         place(new QLabel(toQString(layout::kLabel4Caption), this), grid, layout::kLabel4, "Label4");
@@ -121,7 +121,7 @@ void MainWindow::createControls(const layout::Grid& grid) {
     // Typed names are saved as typed: never added to the list, never completed.
     fontBox->setInsertPolicy(QComboBox::NoInsert);
     fontBox->setCompleter(nullptr);
-    fontBox->lineEdit()->setMaxLength(static_cast<int>(editor::kMaxLineLength));
+    fontBox->lineEdit()->setMaxLength(static_cast<int>(kMaxLineLength));
     for (std::u16string_view font : kFontNames) {
         fontBox->addItem(toQString(font), 0);
     }
@@ -174,16 +174,15 @@ bool MainWindow::filterFileDrop(QEvent* event) {
             ? QByteArray::fromPercentEncoding(urls[0].path(QUrl::FullyEncoded).toLatin1())
                   .toStdString()
             : std::string();
-    const QString path = toQString(fromUtf8(bytes));
+    const Text path = fromUtf8(bytes);
     std::error_code error;
-    if (!path.endsWith(toQString(kSchemaExtension)) ||
-        !std::filesystem::is_regular_file(bytes, error)) {
+    if (!hasSchemaExtension(path) || !std::filesystem::is_regular_file(bytes, error)) {
         drop->ignore();
         return true;
     }
     drop->acceptProposedAction();
     if (event->type() == QEvent::Drop) {
-        openFile(path);
+        openFile(toQString(path));
     }
     return true;
 }

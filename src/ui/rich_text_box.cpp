@@ -38,8 +38,8 @@ char16_t endedBy(const QTextBlock& block) {
 
 // Characters that the toolkit itself turns into block ends when inserted.
 bool endsBlock(char16_t c) {
-    return markup::isParagraphSeparator(c) || c == QChar::ParagraphSeparator ||
-           c == u'\xfdd0' || c == u'\xfdd1';  // the frame marks
+    return markup::isParagraphSeparator(c) || c == QChar::ParagraphSeparator || c == u'\xfdd0' ||
+           c == u'\xfdd1';  // the frame marks
 }
 
 bool isBlank(char16_t c) {
@@ -109,8 +109,7 @@ class BlockWriter {
     // Each stretch of one colour in its own format.
     void writeRuns(TextView text, const std::vector<markup::ColourRun>& colours) {
         for (std::size_t run = 0; run < colours.size(); ++run) {
-            const std::size_t end =
-                run + 1 < colours.size() ? colours[run + 1].start : text.size();
+            const std::size_t end = run + 1 < colours.size() ? colours[run + 1].start : text.size();
             write(text.substr(colours[run].start, end - colours[run].start),
                   colourFormat(colours[run].colour));
         }
@@ -244,7 +243,8 @@ void RichTextBox::documentChanged(int position, int removed, int added) {
     // The toolkit counts the document's closing block end in some changes;
     // the text itself never holds it.
     const auto start = static_cast<std::size_t>(position);
-    const std::size_t gone = std::min(static_cast<std::size_t>(removed), before - std::min(before, start));
+    const std::size_t gone =
+        std::min(static_cast<std::size_t>(removed), before - std::min(before, start));
     const std::size_t kept = before - gone;
     if (m_pending != Pending::Nothing || start > before || m_lastLength < kept ||
         m_lastLength - kept > static_cast<std::size_t>(added)) {
@@ -401,8 +401,8 @@ void RichTextBox::showPreviewChange(const markup::PreviewPatch& patch,
             }
         }
         paragraph = writer.paragraph();
-        for (QTextBlock block = cursor.block(); block.isValid() && paragraph < patch.paragraphs.size();
-             block = block.next()) {
+        for (QTextBlock block = cursor.block();
+             block.isValid() && paragraph < patch.paragraphs.size(); block = block.next()) {
             if (!align(block, wanted(paragraph)) && paragraph + 1 == patch.paragraphs.size() &&
                 block != cursor.block()) {
                 break;
@@ -472,8 +472,7 @@ void RichTextBox::insertFromMimeData(const QMimeData* source) {
     pasted.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     pasted.replace(u'\r', u'\n');
     pasted.replace(QChar::ParagraphSeparator, u'\n');
-    if (length() - selectionLength() + static_cast<std::size_t>(pasted.size()) >
-        editor::kMaxBodyLength) {
+    if (length() - selectionLength() + static_cast<std::size_t>(pasted.size()) > kMaxBodyLength) {
         beep();
         return;
     }
@@ -529,7 +528,7 @@ void RichTextBox::paintEvent(QPaintEvent* event) {
         const QRectF cell(origin.x() + line.cursorToX(block.length() - 1), origin.y() + line.y(),
                           QFontMetricsF(font).horizontalAdvance(shown), line.height());
         QColor pen = format.hasProperty(QTextFormat::ForegroundBrush) ? format.foreground().color()
-                                                                       : palette().text().color();
+                                                                      : palette().text().color();
         if (selection.selectionStart() <= at && at < selection.selectionEnd()) {
             painter.fillRect(cell, palette().highlight());
             pen = palette().highlightedText().color();
@@ -564,7 +563,7 @@ void RichTextBox::keyPressEvent(QKeyEvent* event) {
         QTextEdit::keyPressEvent(event);
         return;
     }
-    if (!enter && length() - selectionLength() >= editor::kMaxBodyLength) {
+    if (!enter && length() - selectionLength() >= kMaxBodyLength) {
         beep();  // the body is as long as it may be
         event->accept();
         return;

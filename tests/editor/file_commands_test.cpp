@@ -6,6 +6,7 @@
 
 #include "editor/texts.hpp"
 #include "markup/renderer.hpp"
+#include "schema/schema_writer.hpp"
 #include "schema/windows1252.hpp"
 #include "support/fakes.hpp"
 #include "support/test_support.hpp"
@@ -113,6 +114,27 @@ TEST(FileCommands, RefusedCommandsChangeNothing) {
             EXPECT_EQ(w.font.selected, 3) << name;
         }
     }
+}
+
+// A file opened by its path loads whatever the letter case of its ".sch"
+// and saves back to itself; a name of characters that Windows-1252 holds, in
+// UTF-8 or as the bytes of a Latin-1 name, is written on the name line.
+TEST(FileCommands, OpenedFilesSaveBackUnderTheirOwnName) {
+    TempDir dir;
+    const std::pair<std::string, std::string> cases[] = {
+        {"TOWER.SCH", "TOWER"}, {"été.sch", "\xE9t\xE9"}, {"\xE9t\xE9.Sch", "\xE9t\xE9"}};
+    for (const auto& [file, nameLine] : cases) {
+        writeBytes(dir / file, composeSchemaBytes(workedExample(), kWorkedStamp));
+        FakeWindow w;
+        w.editor.openFile(fromUtf8(dir / file));
+        EXPECT_EQ(shown(w), u"");
+        EXPECT_EQ(w.titles[0].value, u"The Tower") << file;
+        w.editor.saveClicked();
+        const std::string saved = readBytes(dir / file);
+        EXPECT_EQ(saved.substr(0, saved.find("\r\nlang_")),
+                  "VERSION 2.0\r\nTextEntry\r\n" + nameLine);
+    }
+    EXPECT_EQ(listDirectory(dir.path()).size(), 3u);
 }
 
 // A file far larger than any the window saves is refused without being read:

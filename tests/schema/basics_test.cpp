@@ -35,11 +35,13 @@ TEST(Windows1252, EveryCharacterOfTheCodePageBecomesItsByte) {
 
 TEST(Windows1252, AnythingElseBecomesOneQuestionMarkACharacter) {
     // C1 controls that the code page gives to other characters, a character
-    // outside the BMP (one character, so one question mark), lone surrogates.
-    const Text text = fromUtf8("a€bΩ\u0080\u009F😀") + Text{0xD800, u'c', 0xDC00};
+    // outside the BMP (one character, so one question mark), lone surrogates
+    // but for the bytes of a file name that is not UTF-8 ("\xE9t\xE9").
+    const Text text =
+        fromUtf8("a€bΩ\u0080\u009F😀") + Text{0xD800, u'c', 0xDC00} + fromUtf8("\xE9t\xE9");
     EXPECT_EQ(encodeWindows1252(text),
               "a\x80"
-              "b?????c?");
+              "b?????c?\xE9t\xE9");
 }
 
 }  // namespace

@@ -111,7 +111,7 @@ class MainWindowTest : public QObject {
         // Unwrapped, a paste let through wrongly costs a second to lay out, not minutes.
         box->setLineWrapMode(QTextEdit::NoWrap);
         QApplication::clipboard()->setText(
-            QString(static_cast<qsizetype>(editor::kMaxBodyLength) - 7, QChar('x')));
+            QString(static_cast<qsizetype>(lorekeep::kMaxBodyLength) - 7, QChar('x')));
         box->paste();
         QCOMPARE(text(box), "bold red");
     }
