@@ -5,6 +5,7 @@
 
 #include "markup/markers.hpp"
 #include "markup/renderer.hpp"
+#include "schema/limits.hpp"
 #include "schema/windows1252.hpp"
 #include "tool/schema_set.hpp"
 
@@ -199,6 +200,21 @@ std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file
             "the font name " + excerpt(document->font) + " does not load back after a save");
     }
 
+    // The window refuses a file with a field longer than its box holds.
+    auto checkLength = [&](int language, const char* field, TextView text, std::size_t limit) {
+        if (text.size() > limit) {
+            checker.add(language, field, limit, Severity::Error,
+                        "longer than the window's limit of " + std::to_string(limit) +
+                            " characters (" + std::to_string(text.size()) +
+                            "): the window does not load this file");
+        }
+    };
+    checkLength(-1, "font", document->font, kMaxLineLength);
+    for (int i = 0; i < kLanguageCount; ++i) {
+        checkLength(i, "title", document->entries[i].title, kMaxTitleLength);
+        checkLength(i, "body", document->entries[i].body, kMaxBodyLength);
+    }
+
     const LanguageEntry& english = document->entries[0];
     for (int i = 0; i < kLanguageCount; ++i) {
         const LanguageEntry& entry = document->entries[i];
@@ -242,18 +258,30 @@ std::string formatFinding(const Finding& finding) {
 
 namespace {
 
+// A JSON string that is valid UTF-8 whatever `text` holds: a byte that is
+// not part of valid UTF-8 (a file name's, say) is written as the escape
+// \udc80 to \udcff, the form in which Python's "surrogateescape" reads it
+// back to the same byte.
 std::string jsonString(std::string_view text) {
     std::string json = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\') {
+    auto escape = [&json](unsigned code) {
+        char escaped[8];
+        std::snprintf(escaped, sizeof escaped, "\\u%04x", code);
+        json += escaped;
+    };
+    const Text decoded = fromUtf8(text);
+    for (std::size_t k = 0; k < decoded.size(); ++k) {
+        const char16_t c = decoded[k];
+        const bool pair = c >= 0xD800 && c < 0xDC00 && k + 1 < decoded.size() &&
+                          decoded[k + 1] >= 0xDC00 && decoded[k + 1] < 0xE000;
+        if (c == u'"' || c == u'\\') {
             json += '\\';
-            json += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned char>(c));
-            json += escaped;
+            json += static_cast<char>(c);
+        } else if (c < 0x20 || (c >= 0xD800 && c < 0xE000 && !pair)) {
+            escape(c);
         } else {
-            json += c;
+            json += toUtf8(TextView(decoded).substr(k, pair ? 2 : 1));
+            k += pair ? 1 : 0;
         }
     }
     return json + "\"";

@@ -1,7 +1,6 @@
 #include "tool/cli.hpp"
 
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <optional>
 
@@ -83,10 +82,10 @@ int usageError(std::ostream& err, const std::string& message) {
 
 std::vector<SchemaFile> schemas(const std::vector<std::string>& paths, std::ostream& err,
                                 bool& missing) {
-    std::vector<std::string> problems;
+    std::vector<PathProblem> problems;
     std::vector<SchemaFile> files = findSchemas(paths, problems);
-    for (const std::string& problem : problems) {
-        err << "lorekeep-tool: " << problem << "\n";
+    for (const PathProblem& problem : problems) {
+        err << "lorekeep-tool: " << problem.path << ": " << problem.message << "\n";
     }
     missing = !problems.empty();
     return files;
@@ -101,21 +100,14 @@ int check(const Arguments& a, std::ostream& out, std::ostream& err) {
     if (a.positional.empty()) {
         return usageError(err, "check needs at least one path");
     }
-    bool missing = false;
-    const std::vector<SchemaFile> files = schemas(a.positional, err, missing);
-    bool anyError = missing;
+    std::vector<PathProblem> problems;
+    const std::vector<SchemaFile> files = findSchemas(a.positional, problems);
+    bool anyError = false;
     bool first = true;
     if (format == "json") {
         out << "[";
     }
-    for (const SchemaFile& file : files) {
-        const std::string name = file.path.generic_string();
-        std::vector<Finding> findings;
-        if (const auto bytes = readBytes(file.path)) {
-            findings = checkSchema(*bytes, name);
-        } else {
-            findings.push_back({name, "", "file", 0, Severity::Error, "cannot be read"});
-        }
+    auto report = [&](const std::vector<Finding>& findings) {
         for (const Finding& finding : findings) {
             anyError = anyError || finding.severity == Severity::Error;
             if (format == "json") {
@@ -127,6 +119,19 @@ int check(const Arguments& a, std::ostream& out, std::ostream& err) {
                 out << formatFinding(finding) << "\n";
             }
         }
+    };
+    // What cannot be checked at all is an error of its own, first.
+    for (const PathProblem& problem : problems) {
+        report({{problem.path, "", "file", 0, Severity::Error, problem.message}});
+    }
+    for (const SchemaFile& file : files) {
+        const std::string name = file.path.generic_string();
+        std::string why;
+        if (const auto bytes = readSchemaBytes(file.path, &why)) {
+            report(checkSchema(*bytes, name));
+        } else {
+            report({{name, "", "file", 0, Severity::Error, "cannot be read: " + why}});
+        }
     }
     if (format == "json") {
         out << (first ? "]\n" : "\n]\n");
@@ -134,7 +139,7 @@ int check(const Arguments& a, std::ostream& out, std::ostream& err) {
     return anyError ? 1 : 0;
 }
 
-int exportCommand(const Arguments& a, std::ostream& err) {
+int exportCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
     const auto language = a.language ? languageFromCode(*a.language) : std::nullopt;
     if (!language || *language == Language::English || !a.output || a.positional.empty() ||
         a.format || a.dryRun) {
@@ -142,7 +147,7 @@ int exportCommand(const Arguments& a, std::ostream& err) {
     }
     bool missing = false;
     const std::vector<SchemaFile> files = schemas(a.positional, err, missing);
-    const bool written = exportPo(files, *language, a.templateOnly, *a.output, err);
+    const bool written = exportPo(files, *language, a.templateOnly, *a.output, out, err);
     return written && !missing ? 0 : 1;
 }
 
@@ -163,26 +168,21 @@ int render(const Arguments& a, std::ostream& out, std::ostream& err) {
         return usageError(err, "render needs one schema file and --language en|fr|de|it");
     }
     const std::string& path = a.positional[0];
-    auto document = loadDocument(path);
+    std::string why;
+    const auto bytes = readSchemaBytes(path, &why);
+    auto document = bytes ? documentAfterLoad(readSchema(*bytes)) : std::nullopt;
     if (!document) {
-        err << "lorekeep-tool: " << path
-            << ": cannot be read or does not load (lorekeep-tool check says why)\n";
+        err << "lorekeep-tool: " << path << ": "
+            << (bytes ? "does not load (lorekeep-tool check says why)" : "cannot be read: " + why)
+            << "\n";
         return 1;
     }
     document->name = fromUtf8(std::filesystem::path(path).stem().string());  // a title's stand-in
     const std::string html = renderHtml(*document, *language);
-    if (!a.output || *a.output == "-") {
-        out << html;
-        return 0;
+    if (!a.output) {
+        return writeOutput("-", html, out, err) ? 0 : 1;
     }
-    std::ofstream file(*a.output, std::ios::binary);
-    file << html;
-    file.close();
-    if (!file) {
-        err << "lorekeep-tool: " << *a.output << ": cannot be written\n";
-        return 1;
-    }
-    return 0;
+    return writeOutput(*a.output, html, out, err) ? 0 : 1;
 }
 
 }  // namespace
@@ -209,7 +209,7 @@ int runTool(const std::vector<std::string>& arguments, std::ostream& out, std::o
         return check(*parsed, out, err);
     }
     if (command == "export") {
-        return exportCommand(*parsed, err);
+        return exportCommand(*parsed, out, err);
     }
     if (command == "import") {
         return importCommand(*parsed, out, err);

@@ -37,14 +37,22 @@ bool isLowSurrogate(char16_t c) {
     return c >= 0xDC00 && c <= 0xDFFF;
 }
 
-// UTF-8 that a page can hold: an unpaired surrogate becomes U+FFFD (toUtf8
-// would write some of them as the single raw bytes they stand for).
+// Control characters that an HTML page may not hold (all but tab, line feed
+// and carriage return).
+bool isForbiddenControl(char16_t c) {
+    return (c < u' ' && c != u'\t' && c != u'\n' && c != u'\r') || c == 0x7F;
+}
+
+// UTF-8 that a page can hold: an unpaired surrogate (toUtf8 would write some
+// of them as the single raw bytes they stand for) and a control character
+// that HTML forbids become U+FFFD.
 std::string validUtf8(TextView text) {
     Text clean(text);
     for (std::size_t k = 0; k < clean.size(); ++k) {
         if (isHighSurrogate(clean[k]) && k + 1 < clean.size() && isLowSurrogate(clean[k + 1])) {
             ++k;
-        } else if (isHighSurrogate(clean[k]) || isLowSurrogate(clean[k])) {
+        } else if (isHighSurrogate(clean[k]) || isLowSurrogate(clean[k]) ||
+                   isForbiddenControl(clean[k])) {
             clean[k] = u'\uFFFD';
         }
     }

@@ -7,7 +7,9 @@
 namespace lorekeep::tool {
 
 // The markers of a body or title in order: each "\n<" up to and including its
-// ">" and the separator after it, as a translator must keep them.
-std::vector<Text> markersIn(TextView text);
+// ">" and the separator after it, as a translator must keep them. With
+// `lineBreaks`, each real line break (CR LF, CR or LF) outside a marker is
+// listed too, in its place, as one "\n" whatever its kind.
+std::vector<Text> markersIn(TextView text, bool lineBreaks = false);
 
 }  // namespace lorekeep::tool

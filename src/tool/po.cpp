@@ -1,20 +1,31 @@
 #include "tool/po.hpp"
 
 #include <gettext-po.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
 #include <ostream>
+#include <set>
+#include <sstream>
 
+#include "schema/file_reader.hpp"
+#include "schema/limits.hpp"
+#include "schema/safe_file.hpp"
 #include "schema/schema_file.hpp"
+#include "schema/schema_writer.hpp"
 #include "schema/windows1252.hpp"
 #include "tool/markers.hpp"
 
@@ -23,12 +34,15 @@ namespace lorekeep::tool {
 namespace {
 
 // libgettextpo reports through handlers that get no data of the caller's:
-// where the current call's messages go, and where a fatal error continues
-// (the handler must not return from one). One call at a time.
+// where the current call's messages go, what the file it works on is called,
+// and where a fatal error continues (the handler must not return from one).
+// One call at a time.
 struct Reporting {
     std::ostream* out = nullptr;
     int errors = 0;
     std::jmp_buf* fatal = nullptr;
+    std::string fileName;   // the library's name for the file (a file in memory)
+    std::string shownName;  // the user's name for it
 };
 Reporting gReporting;
 
@@ -40,7 +54,8 @@ void report(int severity, const char* filename, std::size_t line, const char* te
     std::replace(message.begin(), message.end(), '\n', ' ');
     *gReporting.out << "lorekeep-tool: ";
     if (filename != nullptr) {
-        *gReporting.out << filename << ":";
+        *gReporting.out << (filename == gReporting.fileName ? gReporting.shownName : filename)
+                        << ":";
         if (line != static_cast<std::size_t>(-1)) {
             *gReporting.out << line << ":";
         }
@@ -67,14 +82,68 @@ void xerror2(int severity, po_message_t, const char* filename1, std::size_t line
 
 const po_xerror_handler kHandler{xerror, xerror2};
 
-// Sends libgettextpo's messages to `out` while it lives.
+// Sends libgettextpo's messages about the file it knows as `fileName` to
+// `out` under the name `shownName` while it lives.
 class ReportTo {
   public:
-    explicit ReportTo(std::ostream& out) { gReporting = {&out, 0, nullptr}; }
+    ReportTo(std::ostream& out, std::string fileName, std::string shownName) {
+        gReporting = {&out, 0, nullptr, std::move(fileName), std::move(shownName)};
+    }
     ~ReportTo() { gReporting = {}; }
     ReportTo(const ReportTo&) = delete;
     ReportTo& operator=(const ReportTo&) = delete;
     int errors() const { return gReporting.errors; }
+};
+
+// A file in memory under a name that libgettextpo, which reads and writes
+// only named files, can open: it then parses exactly the bytes that the
+// bounded reader took, and what it writes is checked before any file on disk
+// is touched.
+class MemoryFile {
+  public:
+    MemoryFile() : m_fd(memfd_create("lorekeep-po", MFD_CLOEXEC)) {}
+    ~MemoryFile() {
+        if (m_fd >= 0) {
+            close(m_fd);
+        }
+    }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    bool usable() const { return m_fd >= 0 && access(name().c_str(), R_OK | W_OK) == 0; }
+    std::string name() const { return "/proc/self/fd/" + std::to_string(m_fd); }
+
+    bool write(std::string_view bytes) const {
+        for (std::size_t done = 0; done < bytes.size();) {
+            const ssize_t n =
+                pwrite(m_fd, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
+            if (n <= 0 && errno != EINTR) {
+                return false;
+            }
+            done += n > 0 ? static_cast<std::size_t>(n) : 0;
+        }
+        return true;
+    }
+
+    std::optional<std::string> contents() const {
+        struct stat st {};
+        if (fstat(m_fd, &st) != 0) {
+            return std::nullopt;
+        }
+        std::string bytes(static_cast<std::size_t>(st.st_size), '\0');
+        for (std::size_t done = 0; done < bytes.size();) {
+            const ssize_t n =
+                pread(m_fd, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
+            if (n <= 0 && errno != EINTR) {
+                return std::nullopt;
+            }
+            done += n > 0 ? static_cast<std::size_t>(n) : 0;
+        }
+        return bytes;
+    }
+
+  private:
+    int m_fd;
 };
 
 // The library's calls that may end in a fatal error, which comes back here.
@@ -128,11 +197,58 @@ auto& fieldOf(Document& document, Language language, Field field) {
     return field == Field::Title ? entry.title : entry.body;
 }
 
+// A file name as PO contexts and references carry it: valid UTF-8 on one
+// line whatever the name's bytes. A byte that is not part of valid UTF-8, and
+// a control character, is written as \xHH, a backslash as \\.
+std::string escapeName(const std::string& name) {
+    std::string escaped;
+    const Text decoded = fromUtf8(name);  // invalid bytes as U+DC80 + (byte - 0x80)
+    for (std::size_t k = 0; k < decoded.size(); ++k) {
+        const char16_t c = decoded[k];
+        const bool pair = c >= 0xD800 && c < 0xDC00 && k + 1 < decoded.size();
+        if (c == u'\\') {
+            escaped += "\\\\";
+        } else if (c < 0x20 || c == 0x7F || (c >= 0xDC80 && c <= 0xDCFF)) {
+            char hex[8];
+            std::snprintf(hex, sizeof hex, "\\x%02X", static_cast<unsigned>(c & 0xFF));
+            escaped += hex;
+        } else {
+            escaped += toUtf8(TextView(decoded).substr(k, pair ? 2 : 1));
+            k += pair ? 1 : 0;
+        }
+    }
+    return escaped;
+}
+
+// The inverse of escapeName. A backslash that starts no escape stays itself.
+std::string unescapeName(std::string_view escaped) {
+    std::string name;
+    for (std::size_t k = 0; k < escaped.size(); ++k) {
+        const std::string_view rest = escaped.substr(k);
+        if (rest.starts_with("\\\\")) {
+            name += '\\';
+            ++k;
+        } else if (rest.size() >= 4 && rest.starts_with("\\x") && std::isxdigit(rest[2]) &&
+                   std::isxdigit(rest[3])) {
+            name += static_cast<char>(std::stoi(std::string(rest.substr(2, 2)), nullptr, 16));
+            k += 3;
+        } else {
+            name += escaped[k];
+        }
+    }
+    return name;
+}
+
 std::string keepComment(TextView english) {
     const std::vector<Text> markers = markersIn(english);
     std::string comment;
     for (const Text& marker : markers) {
         comment += (comment.empty() ? "Keep these markers: " : " ") + toUtf8(marker);
+    }
+    const auto breaks = std::ranges::count(markersIn(english, true), Text(u"\n"));
+    if (breaks > 0) {
+        comment += (comment.empty() ? "" : ". ") + std::string("Keep its ") +
+                   std::to_string(breaks) + " real line break" + (breaks == 1 ? "" : "s") + ".";
     }
     return comment;
 }
@@ -149,19 +265,17 @@ std::string oneLine(TextView text) {
 std::string markerList(const std::vector<Text>& markers) {
     std::string list;
     for (const Text& marker : markers) {
-        if (!list.empty()) {
-            list += ' ';
-        }
-        list += oneLine(marker);
+        list += list.empty() ? "" : " ";
+        list += marker == u"\n" ? std::string("\u21b5 (a line break)") : oneLine(marker);
     }
     return list;
 }
 
-// Nothing when the translation keeps the English text's markers in order;
-// otherwise what differs.
+// Nothing when the translation keeps the English text's markers, and real
+// line breaks, in order; otherwise what differs.
 std::optional<std::string> markerProblem(TextView english, TextView translation) {
-    std::vector<Text> expected = markersIn(english);
-    std::vector<Text> found = markersIn(translation);
+    std::vector<Text> expected = markersIn(english, true);
+    std::vector<Text> found = markersIn(translation, true);
     if (expected == found) {
         return std::nullopt;
     }
@@ -214,64 +328,170 @@ std::optional<std::string> unencodable(TextView text) {
     return std::nullopt;
 }
 
-// The window's Save writes folder + "/" + name + ".sch"; its folder box keeps
-// the trailing separator.
-void placeDocument(SchemaDocument& document, const std::filesystem::path& path) {
-    const std::filesystem::path parent = path.has_parent_path() ? path.parent_path() : ".";
-    document.folder = fromUtf8(parent.string()) + kPathSeparator;
-    document.name = fromUtf8(path.stem().string());
-}
-
-// One schema file that entries of the PO file name.
-struct Target {
-    const SchemaFile* file = nullptr;
-    int sameName = 0;  // how many of the paths have this name
-    bool tried = false;
-    std::optional<SchemaDocument> document;  // as loaded, with the accepted translations
-    int changes = 0;                         // accepted translations not yet in the file
+// One translated entry of the PO file.
+struct Translation {
+    std::string where;  // its msgctxt, which names it in messages
+    Field field;
+    Text english;
+    Text text;
 };
 
-// Nothing when the translation is accepted and set in the target's document;
-// otherwise why it is refused.
-std::optional<std::string> apply(Target& target, Language language, Field field,
-                                 const Text& english, const Text& translation) {
-    if (target.sameName > 1) {
-        return "several of the paths hold a schema with this name";
-    }
-    if (!target.tried) {
-        target.tried = true;
-        target.document = loadDocument(target.file->path);
-        if (target.document) {
-            placeDocument(*target.document, target.file->path);
-        }
-    }
-    if (!target.document) {
-        return "the schema file does not load";
-    }
-    if (fieldOf(*target.document, Language::English, field) != english) {
+// A schema file as loaded, with the translations accepted so far.
+struct Loaded {
+    std::string bytes;
+    SchemaRead read;
+    SchemaDocument document;
+    int changes = 0;
+};
+
+// The file's bytes with the language's record written anew from the document.
+std::string rewritten(const Loaded& file, const SchemaDocument& document, Language language,
+                      const LocalDateTime& stamp) {
+    std::array<bool, kLanguageCount> rewrite{};
+    rewrite[indexOf(language)] = true;
+    return rewriteRecords(file.bytes, file.read, document, rewrite, stamp);
+}
+
+// Nothing when the translation is accepted (and set in the document) or is
+// in the file already; otherwise why it is refused.
+std::optional<std::string> apply(Loaded& file, Language language, const Translation& entry,
+                                 const LocalDateTime& stamp) {
+    const bool title = entry.field == Field::Title;
+    if (fieldOf(file.document, Language::English, entry.field) != entry.english) {
         return "the English text changed since export";
     }
-    if (fieldOf(*target.document, language, field) == translation) {
+    if (fieldOf(file.document, language, entry.field) == entry.text) {
         return std::nullopt;  // already in the file
     }
-    if (auto problem = markerProblem(english, translation)) {
+    const std::size_t limit = title ? kMaxTitleLength : kMaxBodyLength;
+    if (entry.text.size() > limit) {
+        return "longer than the window's limit of " + std::to_string(limit) + " characters";
+    }
+    if (title && entry.text.find_first_of(u"\r\n") != Text::npos) {
+        return "a title is one line, and this translation holds a line break";
+    }
+    if (auto problem = markerProblem(entry.english, entry.text)) {
         return problem;
     }
-    if (auto problem = unencodable(translation)) {
+    if (auto problem = unencodable(entry.text)) {
         return problem;
     }
-    SchemaDocument trial = *target.document;
-    fieldOf(trial, language, field) = translation;
-    const auto back = documentAfterSave(trial);
+    SchemaDocument trial = file.document;
+    fieldOf(trial, language, entry.field) = entry.text;
+    const std::string bytes = rewritten(file, trial, language, stamp);
+    if (bytes.size() > maxSchemaFileSize()) {
+        return "the file would be larger than the window opens";
+    }
+    const auto back = documentAfterLoad(readSchema(bytes));
     if (!back || back->entries != trial.entries || back->font != trial.font) {
-        if (field == Field::Title && translation.find(u'>') != Text::npos) {
+        if (title && entry.text.find(u'>') != Text::npos) {
             return "a title cannot hold \">\": the file's title tag ends there";
         }
         return "the file's layout cannot carry this text: it would not load back the same";
     }
-    ++target.changes;
-    target.document = std::move(trial);
+    file.document = std::move(trial);
+    ++file.changes;
     return std::nullopt;
+}
+
+// How many messages, the header included, the PO file at `path` holds;
+// nothing when it does not read without an error.
+std::optional<std::size_t> messageCount(const std::string& path) {
+    // What the library says about a text cut short is no news to the user.
+    std::ostringstream ignored;
+    const Reporting saved = gReporting;
+    gReporting.out = &ignored;
+    const PoFile po(readPoFile(path.c_str()));
+    const bool read = po && gReporting.errors == saved.errors;
+    gReporting = saved;
+    if (!read) {
+        return std::nullopt;
+    }
+    std::size_t count = 0;
+    for (const char* const* domain = po_file_domains(po.get()); *domain != nullptr; ++domain) {
+        const Iterator it(po_message_iterator(po.get(), *domain));
+        while (po_next_message(it.get()) != nullptr) {
+            ++count;
+        }
+    }
+    return count;
+}
+
+std::string plural(int count, const char* noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+// How often a file that keeps changing under the import is read again.
+constexpr int kReadAttempts = 3;
+
+// Applies one schema file's translations and saves it once, never over a
+// change that someone saved after it was read: then it is read again and the
+// translations applied again. Reports each refusal and the file's outcome.
+void importInto(const SchemaFile& file, const std::vector<Translation>& translations,
+                Language language, bool dryRun, const LocalDateTime& stamp, std::ostream& out,
+                ImportCounts& counts) {
+    std::vector<std::pair<std::string, std::string>> refusals;
+    int applied = 0;
+    std::string failure;
+    for (int attempt = 1; attempt <= kReadAttempts; ++attempt) {
+        refusals.clear();
+        failure.clear();
+        Loaded loaded;
+        const LoadResult load = loadSchemaFile(file.path.string(), {}, &loaded.bytes);
+        const auto document = load.ok && std::ranges::all_of(load.read.records, fitsTheWindow)
+                                  ? documentAfterLoad(load.read)
+                                  : std::nullopt;
+        if (!document) {
+            const std::string why = !load.ok ? "the schema file does not load (" + load.reason + ")"
+                                             : "the window cannot open the schema file "
+                                               "(lorekeep-tool check says why)";
+            for (const Translation& entry : translations) {
+                refusals.emplace_back(entry.where, why);
+            }
+            break;
+        }
+        loaded.read = load.read;
+        loaded.document = *document;
+        for (const Translation& entry : translations) {
+            if (auto refusal = apply(loaded, language, entry, stamp)) {
+                refusals.emplace_back(entry.where, std::move(*refusal));
+            }
+        }
+        if (loaded.changes == 0 || dryRun) {
+            applied = loaded.changes;
+            break;
+        }
+        const ReplaceResult saved = replaceFileContents(
+            file.path.string(), rewritten(loaded, loaded.document, language, stamp), &loaded.bytes);
+        if (saved) {
+            applied = loaded.changes;
+            break;
+        }
+        failure = saved.error;
+        if (!saved.changedMeanwhile) {
+            counts.refused += loaded.changes;
+            break;
+        }
+        if (attempt == kReadAttempts) {
+            failure =
+                "it changed on disk each of the " + std::to_string(attempt) + " times it was read";
+            counts.refused += loaded.changes;
+        } else {
+            out << file.name << ": changed on disk while importing; read again\n";
+        }
+    }
+    for (const auto& [where, why] : refusals) {
+        out << where << ": refused: " << why << "\n";
+    }
+    counts.refused += static_cast<int>(refusals.size());
+    counts.applied += applied;
+    if (applied > 0) {
+        out << file.name << ": " << plural(applied, "translation")
+            << (dryRun ? " would be applied (dry run)\n" : " applied\n");
+    } else if (!failure.empty()) {
+        out << file.name << ": refused: cannot be saved (" << failure
+            << "); the file is as it was\n";
+    }
 }
 
 bool isUtf8(const std::optional<std::string>& contentType) {
@@ -286,14 +506,10 @@ bool isUtf8(const std::optional<std::string>& contentType) {
     return charset == "utf-8" || charset == "ascii" || charset == "us-ascii";
 }
 
-std::string plural(int count, const char* noun) {
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 }  // namespace
 
 bool exportPo(const std::vector<SchemaFile>& files, Language language, bool templateOnly,
-              const std::string& output, std::ostream& errors) {
+              const std::string& output, std::ostream& out, std::ostream& errors) {
     PoFile po(po_file_create());
     Iterator at(po_message_iterator(po.get(), nullptr));
     const std::string code = templateOnly ? "" : languageCode(language);
@@ -311,12 +527,14 @@ bool exportPo(const std::vector<SchemaFile>& files, Language language, bool temp
                                    "Content-Transfer-Encoding: 8bit\n")
                                       .c_str());
     po_message_insert(at.get(), header);
+    std::size_t messages = 1;
     for (const SchemaFile& file : files) {
         const auto document = loadDocument(file.path);
         if (!document) {
             errors << "lorekeep-tool: " << file.path.string() << ": does not load; left out\n";
             continue;
         }
+        const std::string name = escapeName(file.name);
         for (const auto& [field, fieldName] : kFields) {
             const Text& english = fieldOf(*document, Language::English, field);
             const Text& translation = fieldOf(*document, language, field);
@@ -329,21 +547,33 @@ bool exportPo(const std::vector<SchemaFile>& files, Language language, bool temp
                 continue;
             }
             po_message_t message = po_message_create();
-            po_message_set_msgctxt(message, (file.name + "|" + std::string(fieldName)).c_str());
+            po_message_set_msgctxt(message, (name + "|" + std::string(fieldName)).c_str());
             po_message_set_msgid(message, toUtf8(english).c_str());
             po_message_set_msgstr(
                 message, templateOnly || translation == english ? "" : toUtf8(translation).c_str());
-            po_message_add_filepos(message, file.name.c_str(), static_cast<std::size_t>(-1));
+            po_message_add_filepos(message, name.c_str(), static_cast<std::size_t>(-1));
             po_message_set_extracted_comments(message, keepComment(english).c_str());
             po_message_insert(at.get(), message);
+            ++messages;
         }
     }
-    ReportTo reporting(errors);
-    if (!writePoFile(po.get(), output.c_str()) || reporting.errors() > 0) {
-        errors << "lorekeep-tool: " << output << ": cannot be written\n";
+    // Written in memory first and read back whole: the library does not
+    // report a failed write, and the file on disk is replaced only by all
+    // of it.
+    const MemoryFile memory;
+    ReportTo reporting(errors, memory.name(), output);
+    std::optional<std::string> bytes;
+    if (memory.usable() && writePoFile(po.get(), memory.name().c_str()) &&
+        reporting.errors() == 0 && messageCount(memory.name()) == messages) {
+        bytes = memory.contents();
+    }
+    if (!bytes) {
+        errors << "lorekeep-tool: " << output
+               << ": cannot be written (the PO text was cut short while it was made); any "
+                  "earlier file of that name is as it was\n";
         return false;
     }
-    return true;
+    return writeOutput(output, *bytes, out, errors);
 }
 
 ImportCounts importPo(const std::string& poFile, const std::vector<SchemaFile>& files, bool dryRun,
@@ -351,8 +581,18 @@ ImportCounts importPo(const std::string& poFile, const std::vector<SchemaFile>& 
     const ImportCounts refusedWhole{0, 1};
     PoFile po;
     {
-        ReportTo reporting(out);
-        po.reset(readPoFile(poFile.c_str()));
+        std::string bytes;
+        std::string why;
+        const MemoryFile memory;
+        if (!readFileBytes(poFile, kMaxPoFileSize, bytes, &why) || !memory.usable() ||
+            !memory.write(bytes)) {
+            out << "lorekeep-tool: " << poFile << ": cannot be read"
+                << (why.empty() ? std::string() : " (" + why + ")") << "; nothing applied\n";
+            return refusedWhole;
+        }
+        bytes = std::string();
+        ReportTo reporting(out, memory.name(), poFile);
+        po.reset(readPoFile(memory.name().c_str()));
         if (!po || reporting.errors() > 0) {
             out << "lorekeep-tool: " << poFile
                 << ": cannot be read as a PO file; nothing applied\n";
@@ -374,20 +614,25 @@ ImportCounts importPo(const std::string& poFile, const std::vector<SchemaFile>& 
         return refusedWhole;
     }
 
-    std::map<std::string, Target> targets;
-    for (const SchemaFile& file : files) {
-        Target& target = targets[file.name];
-        target.file = &file;
-        ++target.sameName;
+    // Every name a file goes by leads to it; a name that leads to two files
+    // leads nowhere.
+    std::map<std::string, std::set<std::size_t>> byName;
+    for (std::size_t k = 0; k < files.size(); ++k) {
+        byName[files[k].name].insert(k);
+        for (const std::string& name : files[k].otherNames) {
+            byName[name].insert(k);
+        }
     }
     ImportCounts counts;
+    std::map<std::size_t, std::vector<Translation>> perFile;
     for (const char* const* domain = po_file_domains(po.get()); *domain != nullptr; ++domain) {
         Iterator it(po_message_iterator(po.get(), *domain));
         while (po_message_t message = po_next_message(it.get())) {
             const char* context = po_message_msgctxt(message);
+            const bool plural = po_message_msgid_plural(message) != nullptr;
             const std::string msgstr = po_message_msgstr(message);
             if ((context == nullptr && *po_message_msgid(message) == '\0') ||
-                po_message_is_obsolete(message) || msgstr.empty()) {
+                po_message_is_obsolete(message) || (msgstr.empty() && !plural)) {
                 continue;  // the header, an old entry or no translation
             }
             const std::string where = context != nullptr ? context : "(an entry without msgctxt)";
@@ -395,43 +640,34 @@ ImportCounts importPo(const std::string& poFile, const std::vector<SchemaFile>& 
                 out << where << ": skipped: marked fuzzy\n";
                 continue;
             }
-            std::optional<std::string> refusal;
             const std::size_t bar = where.rfind('|');
             const auto field = std::ranges::find(kFields, where.substr(bar + 1),
                                                  &std::pair<Field, std::string_view>::second);
-            const auto target =
-                bar == std::string::npos ? targets.end() : targets.find(where.substr(0, bar));
+            const auto target = bar == std::string::npos
+                                    ? byName.end()
+                                    : byName.find(unescapeName(where.substr(0, bar)));
+            std::string refusal;
             if (context == nullptr || bar == std::string::npos || field == kFields.end()) {
                 refusal = "not a schema's title or body (msgctxt \"<schema>|title\" or \"|body\")";
-            } else if (target == targets.end()) {
+            } else if (plural) {
+                refusal = "an entry with plural forms; a schema's field has one text";
+            } else if (target == byName.end()) {
                 refusal = "no such schema among the paths";
+            } else if (target->second.size() > 1) {
+                refusal = "several of the paths hold a schema with this name";
             } else {
-                refusal = apply(target->second, *language, field->first,
-                                fromUtf8(po_message_msgid(message)), fromUtf8(msgstr));
+                perFile[*target->second.begin()].push_back(
+                    {where, field->first, fromUtf8(po_message_msgid(message)), fromUtf8(msgstr)});
+                continue;
             }
-            if (refusal) {
-                out << where << ": refused: " << *refusal << "\n";
-                ++counts.refused;
-            }
+            out << where << ": refused: " << refusal << "\n";
+            ++counts.refused;
         }
     }
 
-    for (auto& [name, target] : targets) {
-        if (target.changes == 0) {
-            continue;
-        }
-        const std::string translations = plural(target.changes, "translation");
-        if (dryRun) {
-            out << name << ": " << translations << " would be applied (dry run)\n";
-        } else if (const FileResult saved = saveSchema(*target.document, SystemClock().now())) {
-            out << name << ": " << translations << " applied\n";
-        } else {
-            out << name << ": refused: cannot be saved (" << saved.reason << "); " << translations
-                << " not applied\n";
-            counts.refused += target.changes;
-            continue;
-        }
-        counts.applied += target.changes;
+    const LocalDateTime stamp = SystemClock().now();
+    for (const auto& [index, translations] : perFile) {
+        importInto(files[index], translations, *language, dryRun, stamp, out, counts);
     }
     out << "lorekeep-tool: " << plural(counts.applied, "translation")
         << (dryRun ? " would be applied, " : " applied, ") << counts.refused << " refused\n";

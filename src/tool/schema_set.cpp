@@ -1,10 +1,18 @@
 #include "tool/schema_set.hpp"
 
-#include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <sstream>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <map>
+#include <ostream>
+
+#include "schema/file_reader.hpp"
+#include "schema/safe_file.hpp"
+#include "schema/schema_file.hpp"
 #include "schema/schema_writer.hpp"
 
 namespace lorekeep::tool {
@@ -14,7 +22,73 @@ namespace fs = std::filesystem;
 namespace {
 
 bool isSchema(const fs::path& path) {
-    return path.extension() == ".sch";
+    return hasSchemaExtension(fromUtf8(path.filename().string()));
+}
+
+// Walks a given folder and every real folder below it (links to folders are
+// not followed, so there are no loops), reporting what cannot be read.
+class FolderWalk {
+  public:
+    FolderWalk(const fs::path& root, std::vector<SchemaFile>& found,
+               std::vector<PathProblem>& problems)
+        : m_root(root), m_found(found), m_problems(problems) {}
+
+    void walk(const fs::path& folder) {
+        std::error_code error;
+        fs::directory_iterator it(folder, error);
+        for (; !error && it != fs::directory_iterator(); it.increment(error)) {
+            std::error_code ignored;
+            const fs::path& path = it->path();
+            if (fs::is_directory(it->symlink_status(ignored))) {
+                walk(path);
+            } else if (!isSchema(path)) {
+                continue;
+            } else if (const fs::file_status status = it->status(ignored);
+                       fs::is_regular_file(status)) {
+                m_found.push_back({path, path.lexically_relative(m_root).generic_string(), {}});
+            } else if (!fs::is_directory(status)) {
+                m_problems.push_back({path.string(), "not a regular file; left out"});
+            }
+        }
+        if (error) {
+            m_problems.push_back(
+                {folder.string(), "the folder cannot be read (" + error.message() + ")"});
+        }
+    }
+
+  private:
+    const fs::path& m_root;
+    std::vector<SchemaFile>& m_found;
+    std::vector<PathProblem>& m_problems;
+};
+
+// Each file once: a file reached again, by a link or through overlapping
+// paths, adds its name to the first.
+std::vector<SchemaFile> onePerFile(std::vector<SchemaFile> found) {
+    std::vector<SchemaFile> unique;
+    std::map<std::pair<dev_t, ino_t>, std::size_t> seen;
+    for (SchemaFile& file : found) {
+        struct stat st {};
+        if (stat(file.path.c_str(), &st) == 0) {
+            const auto [at, added] = seen.try_emplace({st.st_dev, st.st_ino}, unique.size());
+            if (!added) {
+                SchemaFile& first = unique[at->second];
+                // Named by its own name rather than a link's where it has one.
+                std::error_code ignored;
+                if (fs::is_symlink(first.path, ignored) && !fs::is_symlink(file.path, ignored)) {
+                    std::swap(first.path, file.path);
+                    std::swap(first.name, file.name);
+                }
+                if (file.name != first.name &&
+                    std::ranges::find(first.otherNames, file.name) == first.otherNames.end()) {
+                    first.otherNames.push_back(std::move(file.name));
+                }
+                continue;
+            }
+        }
+        unique.push_back(std::move(file));
+    }
+    return unique;
 }
 
 }  // namespace
@@ -32,48 +106,33 @@ std::optional<Language> languageFromCode(std::string_view code) {
 }
 
 std::vector<SchemaFile> findSchemas(const std::vector<std::string>& paths,
-                                    std::vector<std::string>& problems) {
+                                    std::vector<PathProblem>& problems) {
     std::vector<SchemaFile> found;
     for (const std::string& given : paths) {
         const fs::path root(given);
         std::error_code error;
         if (fs::is_directory(root, error)) {
             std::vector<SchemaFile> inFolder;
-            fs::recursive_directory_iterator it(root, fs::directory_options::skip_permission_denied,
-                                                error);
-            for (; !error && it != fs::recursive_directory_iterator(); it.increment(error)) {
-                if (isSchema(it->path()) && it->is_regular_file(error)) {
-                    inFolder.push_back(
-                        {it->path(), it->path().lexically_relative(root).generic_string()});
-                }
-            }
-            if (error) {
-                problems.push_back(given + ": " + error.message());
-            }
+            FolderWalk(root, inFolder, problems).walk(root);
             std::ranges::sort(inFolder, {}, &SchemaFile::name);
             found.insert(found.end(), inFolder.begin(), inFolder.end());
         } else if (fs::is_regular_file(root, error) && isSchema(root)) {
-            found.push_back({root, root.filename().generic_string()});
-        } else if (fs::exists(root, error)) {
-            problems.push_back(given + ": not a .sch file or a folder");
+            found.push_back({root, root.filename().generic_string(), {}});
+        } else if (fs::exists(fs::symlink_status(root, error))) {
+            problems.push_back({given, "not a regular .sch file or a folder"});
         } else {
-            problems.push_back(given + ": no such file or folder");
+            problems.push_back({given, "no such file or folder"});
         }
     }
-    return found;
+    return onePerFile(std::move(found));
 }
 
-std::optional<std::string> readBytes(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
+std::optional<std::string> readSchemaBytes(const fs::path& path, std::string* error) {
+    std::string bytes;
+    if (!readFileBytes(path.string(), maxSchemaFileSize(), bytes, error)) {
         return std::nullopt;
     }
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    if (file.bad()) {
-        return std::nullopt;
-    }
-    return std::move(bytes).str();
+    return bytes;
 }
 
 std::optional<SchemaDocument> documentAfterLoad(const SchemaRead& read) {
@@ -96,12 +155,54 @@ std::optional<SchemaDocument> documentAfterLoad(const SchemaRead& read) {
 }
 
 std::optional<SchemaDocument> loadDocument(const fs::path& path) {
-    const auto bytes = readBytes(path);
+    const auto bytes = readSchemaBytes(path);
     return bytes ? documentAfterLoad(readSchema(*bytes)) : std::nullopt;
 }
 
 std::optional<SchemaDocument> documentAfterSave(const SchemaDocument& document) {
     return documentAfterLoad(readSchema(composeSchemaBytes(document, LocalDateTime{})));
+}
+
+bool writeOutput(const std::string& path, std::string_view bytes, std::ostream& out,
+                 std::ostream& err) {
+    if (path == "-") {
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        out.flush();
+        if (!out) {
+            err << "lorekeep-tool: standard output cannot be written\n";
+        }
+        return static_cast<bool>(out);
+    }
+    std::string error;
+    struct stat st {};
+    if (stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode)) {
+        // /dev/stdout, a pipe: nothing to replace, so written as it comes.
+        const int fd = open(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
+        std::size_t written = 0;
+        while (fd >= 0 && written < bytes.size()) {
+            const ssize_t n = write(fd, bytes.data() + written, bytes.size() - written);
+            if (n < 0 && errno == EINTR) {
+                continue;
+            }
+            if (n <= 0) {
+                break;
+            }
+            written += static_cast<std::size_t>(n);
+        }
+        const int code = errno;
+        const bool closed = fd >= 0 && close(fd) == 0;
+        if (written == bytes.size() && closed) {
+            return true;
+        }
+        error = std::strerror(fd < 0 || written < bytes.size() ? code : errno);
+    } else if (const ReplaceResult replaced = replaceFileContents(path, bytes)) {
+        return true;
+    } else {
+        error = replaced.error;
+    }
+    err << "lorekeep-tool: " << path << ": cannot be written (" << error
+        << "); any earlier file of that name is as it was\n";
+    return false;
 }
 
 }  // namespace lorekeep::tool

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "schema/limits.hpp"
 #include "schema/schema_writer.hpp"
 #include "tool/check.hpp"
 
@@ -95,6 +96,10 @@ TEST(Check, FindsWhatGoesWrongInTheWindowOrThePreview) {
         {"VERSION 2.0\r\n",
          {"file 0 error: does not load: the file ends before its three "
           "header lines"}},
+        // Loads, but the window refuses a field longer than its box holds.
+        {replaced(clean, "La Tour", std::string(kMaxTitleLength + 1, 't')),
+         {"fr title 4000000 error: longer than the window's limit of 4000000 characters "
+          "(4000001): the window does not load this file"}},
     };
     for (const auto& [bytes, expected] : cases) {
         EXPECT_EQ(summary(bytes), expected) << bytes;
@@ -110,6 +115,11 @@ TEST(Check, FormatsFindingsAsLinesAndJson) {
               "[{\"file\":\"a \\\"b\\\".sch\",\"language\":\"fr\",\"field\":\"body\","
               "\"position\":3,\"severity\":\"error\",\"message\":\"x\\\\n\\u0009y\"}]");
     EXPECT_EQ(formatFindingsJson({}), "[]");
+    // A file name that is not UTF-8 still gives valid UTF-8, its bytes escaped
+    // as Python's surrogateescape reads them back.
+    const Finding latin1{"caf\xE9 \xE2\x82\xAC.sch", "", "file", 0, Severity::Error, "x"};
+    EXPECT_NE(formatFindingsJson({latin1}).find("\"file\":\"caf\\udce9 \xE2\x82\xAC.sch\""),
+              std::string::npos);
 }
 
 }  // namespace

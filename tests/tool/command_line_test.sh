@@ -69,4 +69,44 @@ contains "dropped marker" "refused: the markers differ from the English"
 contains "dropped marker" "intro.sch: 1 translation applied"
 grep -q "Die Feste" "$work/mod/intro.sch" || { echo "FAIL: the good entry was not applied"; failed=1; }
 
+# Never a hang, never a whole read of what the window would not read: a FIFO,
+# a link to a device, a sparse 1 GB schema and a PO file past 1 GB are refused.
+mkfifo "$work/fifo.sch" "$work/fifo.po"
+ln -s /dev/zero "$work/zero.sch"
+truncate -s 1G "$work/big.sch"
+truncate -s 1073741825 "$work/big.po"
+expect 1 "render a FIFO" timeout 20 "$tool" render "$work/fifo.sch"
+expect 1 "render a link to /dev/zero" timeout 20 "$tool" render "$work/zero.sch"
+expect 1 "import a FIFO" timeout 20 "$tool" import "$work/fifo.po" "$work/mod"
+expect 1 "import a huge PO file" timeout 20 "$tool" import "$work/big.po" "$work/mod"
+expect 1 "check a huge file" timeout 20 "$tool" check "$work/big.sch"
+contains "huge file" "error: cannot be read"
+rm "$work/fifo.sch" "$work/fifo.po" "$work/zero.sch" "$work/big.sch" "$work/big.po"
+
+# A full disk (here a file-size limit): the output is not written, its old
+# content stays, and the status says so.
+echo old >"$work/de.html"
+cp "$work/de.po" "$work/de.po.before"
+expect 1 "render to a full disk" sh -c 'ulimit -f 1; exec "$@"' sh \
+    "$tool" render "$work/mod/intro.sch" -o "$work/de.html"
+expect 1 "export to a full disk" sh -c 'ulimit -f 1; exec "$@"' sh \
+    "$tool" export --language de "$work/mod" -o "$work/de.po"
+[ "$(cat "$work/de.html")" = old ] && cmp -s "$work/de.po" "$work/de.po.before" ||
+    { echo "FAIL: a failed write changed the old output"; failed=1; }
+
+# A folder that cannot be read is an error, not silence; JSON stays UTF-8
+# with a file name that is not.
+mkdir "$work/mod/secret"
+cp "$data/broken.sch" "$work/mod/$(printf 'caf\351.sch')"
+chmod 755 "$work"
+chmod 000 "$work/mod/secret"
+as_user=""
+[ "$(id -u)" -eq 0 ] && as_user="setpriv --reuid=65534 --regid=65534 --clear-groups"
+expect 1 "check an unreadable folder" $as_user "$tool" check "$work/mod"
+contains "unreadable folder" "secret: file 0: error: the folder cannot be read"
+expect 1 "json of a Latin-1 name" "$tool" check --format json "$work/mod"
+iconv -f UTF-8 -t UTF-8 "$work/out" >/dev/null 2>&1 || { echo "FAIL: JSON is not UTF-8"; failed=1; }
+contains "json of a Latin-1 name" 'caf\udce9.sch'
+chmod 755 "$work/mod/secret"
+
 exit $failed
