@@ -192,7 +192,10 @@ void SchemaEditor::openFile(TextView path) {
     }
     m_controls.folderBox->setText(path.substr(0, folderEnd));
     m_controls.nameBox->setText(name);
-    loadClicked();
+    // The file asked for, even where folder/name.sch names another spelling.
+    if (folderAndNameGiven()) {
+        loadFile(toUtf8(path));
+    }
 }
 
 bool SchemaEditor::folderAndNameGiven() {
@@ -238,8 +241,12 @@ void SchemaEditor::save(TextView schemaName, TextView schemaFolder) {
 }
 
 void SchemaEditor::load(TextView schemaName, TextView schemaFolder) {
+    loadFile(schemaFilePath(schemaFolder, schemaName));
+}
+
+void SchemaEditor::loadFile(const std::string& path) {
     try {
-        if (!applyLoad(schemaName, schemaFolder)) {
+        if (!applyLoad(path)) {
             m_controls.messages->showMessage(texts::kLoadFailed, texts::kProgramTitle);
         }
     } catch (...) {
@@ -248,11 +255,11 @@ void SchemaEditor::load(TextView schemaName, TextView schemaFolder) {
     }
 }
 
-bool SchemaEditor::applyLoad(TextView schemaName, TextView schemaFolder) {
+bool SchemaEditor::applyLoad(const std::string& path) {
     // Nothing in the window changes until the whole file has been read, and
     // nothing at all when a field is longer than its box may hold: the window
     // never shows a cut text as if it were the file's.
-    const LoadResult loaded = loadSchema(schemaFolder, schemaName);
+    const LoadResult loaded = loadSchemaFile(path);
     if (!std::ranges::all_of(loaded.read.records, fitsTheWindow)) {
         return false;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <string>
 
 #include "editor/controls.hpp"
 #include "editor/text_edits.hpp"
@@ -107,8 +108,11 @@ class SchemaEditor {
     // Writes an edit's text and caret into an editor, unless the body would
     // grow beyond its limit: then the editor beeps and keeps its text.
     void applyEdit(EditorBox& editor, const TextEdit& edit);
+    // Reads the file at `path` (UTF-8) into the controls; a failure shows its
+    // one message.
+    void loadFile(const std::string& path);
     // Reads the file and applies it language by language; false on failure.
-    bool applyLoad(TextView schemaName, TextView schemaFolder);
+    bool applyLoad(const std::string& path);
 
     WindowControls m_controls;
     std::array<MarkerState, kLanguageCount> m_state{};

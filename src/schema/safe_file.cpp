@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <deque>
@@ -313,6 +314,38 @@ class RecoveryCopy {
     std::string m_copy;
 };
 
+// Puts the new file `temp` (open at `fd`) in the place of `target` only if
+// what `target` holds at that instant is `expected`: the two swap names in
+// one step and what was swapped out is checked, and swapped back if it is
+// not what was expected. So a save that lands before the swap is kept, and
+// one that lands after it is simply the newer file. A result without an
+// error means the file system cannot swap: the caller renames instead.
+ReplaceResult swapIfUnchanged(int fd, const std::string& temp, const std::string& target,
+                              std::string_view expected) {
+    if (renameat2(AT_FDCWD, temp.c_str(), AT_FDCWD, target.c_str(), RENAME_EXCHANGE) != 0) {
+        if (errno == ENOENT) {
+            unlink(temp.c_str());
+            return {false, true, target + " was removed meanwhile"};
+        }
+        return {};
+    }
+    if (stillHolds(temp, expected)) {
+        unlink(temp.c_str());  // the old content, which a rename would have dropped too
+        return {true, false, {}};
+    }
+    struct stat ours {};
+    struct stat now {};
+    const bool stillOurs = fstat(fd, &ours) == 0 && stat(target.c_str(), &now) == 0 &&
+                           ours.st_ino == now.st_ino && ours.st_dev == now.st_dev;
+    if (stillOurs &&
+        renameat2(AT_FDCWD, temp.c_str(), AT_FDCWD, target.c_str(), RENAME_EXCHANGE) != 0) {
+        return {false, true, target + " changed meanwhile; that content is at " + temp};
+    }
+    // Now our new file, or a save that a later one already replaced.
+    unlink(temp.c_str());
+    return {false, true, target + " changed meanwhile"};
+}
+
 ReplaceResult failed(const std::string& what, int code) {
     std::string error;
     fail(&error, what, code);
@@ -528,11 +561,6 @@ ReplaceResult replaceFileContents(const std::string& path, std::string_view byte
     if (fsync(fd) != 0) {
         return abandon("cannot flush the new content of " + target);
     }
-    if (expected != nullptr && !stillHolds(target, *expected)) {
-        ReplaceResult changed = abandon(target + " changed meanwhile");
-        changed.changedMeanwhile = true;
-        return changed;
-    }
 
     bool placed = false;
     if (unnamed) {
@@ -549,6 +577,19 @@ ReplaceResult replaceFileContents(const std::string& path, std::string_view byte
         }
         if (!placed && temp.empty()) {
             return abandon("cannot name the new " + target);
+        }
+    }
+    if (!placed && expected != nullptr) {
+        const ReplaceResult swapped = swapIfUnchanged(fd, temp, target, *expected);
+        if (!swapped && !swapped.error.empty()) {
+            close(fd);
+            return swapped;
+        }
+        placed = swapped.ok;
+        if (!placed && !stillHolds(target, *expected)) {  // no swapping here: check, then rename
+            ReplaceResult changed = abandon(target + " changed meanwhile");
+            changed.changedMeanwhile = true;
+            return changed;
         }
     }
     if (!placed && rename(temp.c_str(), target.c_str()) != 0) {

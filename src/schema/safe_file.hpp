@@ -24,9 +24,12 @@ struct ReplaceResult {
 // file is left behind. Temporary files that earlier, killed saves of the same
 // file left are removed.
 //
-// With `expected`, the file is replaced only if, just before it is, it still
-// holds exactly those bytes: a change that someone else saved meanwhile is
-// never overwritten unread.
+// With `expected`, the file is replaced only if it still holds exactly those
+// bytes when it is: the new file swaps names with the old one in one step
+// and what was swapped out is checked (and swapped back when it is not what
+// was expected), so a change that someone saved meanwhile is never
+// overwritten unread. Where the file system cannot swap, the check comes
+// just before the rename.
 //
 // An existing file keeps its permission bits (and, where allowed, its owner).
 // A symbolic link stays a link and its final target is replaced, but only a

@@ -97,8 +97,4 @@ LoadResult loadSchemaFile(const std::string& path, const ReaderOptions& options,
     return result;
 }
 
-LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& options) {
-    return loadSchemaFile(schemaFilePath(folder, name), options);
-}
-
 }  // namespace lorekeep

@@ -48,7 +48,4 @@ struct LoadResult {
 LoadResult loadSchemaFile(const std::string& path, const ReaderOptions& options = {},
                           std::string* bytes = nullptr);
 
-// The same for folder/name.sch.
-LoadResult loadSchema(TextView folder, TextView name, const ReaderOptions& options = {});
-
 }  // namespace lorekeep

@@ -79,10 +79,13 @@ std::string rewriteRecords(std::string_view bytes, const SchemaRead& read,
         if (!rewrite[i]) {
             continue;
         }
-        // A record runs up to the next one's key, line ends and all.
+        // A record runs up to the next one's key, line ends and all. It keeps
+        // the font it named; the document's is the last record's that names one.
+        const bool named = i < read.records.size() && read.records[i].font;
+        const TextView font = named ? TextView(read.records[i].font->text) : document.font;
         file.append(bytes.substr(copied, starts[i] - copied));
         file += encodeWindows1252(
-            composeRecordText(kAllLanguages[i], stamp, document.font, document.entries[i]));
+            composeRecordText(kAllLanguages[i], stamp, font, document.entries[i]));
         file += encodeWindows1252(kLineEnd);
         copied = i + 1 < starts.size() ? starts[i + 1] : bytes.size();
     }

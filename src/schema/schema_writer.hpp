@@ -30,7 +30,8 @@ Text composeRecordText(Language language, const LocalDateTime& stamp, TextView f
 
 // A schema file's `bytes`, which readSchema took apart into `read` (all four
 // records found), with the records of the languages marked in `rewrite`
-// written anew from `document` and `stamp`. Everything else keeps its bytes:
+// written anew from `document` and `stamp`, each with the font it named
+// (the document's where it named none). Everything else keeps its bytes:
 // the header lines, and the other records with their stamps.
 std::string rewriteRecords(std::string_view bytes, const SchemaRead& read,
                            const SchemaDocument& document,

@@ -200,19 +200,21 @@ std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file
             "the font name " + excerpt(document->font) + " does not load back after a save");
     }
 
-    // The window refuses a file with a field longer than its box holds.
-    auto checkLength = [&](int language, const char* field, TextView text, std::size_t limit) {
-        if (text.size() > limit) {
+    // The window refuses a file with a field longer than its box holds, in
+    // any record.
+    auto checkLength = [&](int language, const char* field, const Text* text, std::size_t limit) {
+        if (text != nullptr && text->size() > limit) {
             checker.add(language, field, limit, Severity::Error,
                         "longer than the window's limit of " + std::to_string(limit) +
-                            " characters (" + std::to_string(text.size()) +
+                            " characters (" + std::to_string(text->size()) +
                             "): the window does not load this file");
         }
     };
-    checkLength(-1, "font", document->font, kMaxLineLength);
     for (int i = 0; i < kLanguageCount; ++i) {
-        checkLength(i, "title", document->entries[i].title, kMaxTitleLength);
-        checkLength(i, "body", document->entries[i].body, kMaxBodyLength);
+        const RecordRead& record = read.records[i];
+        checkLength(i, "font", record.font ? &record.font->text : nullptr, kMaxLineLength);
+        checkLength(i, "title", record.title ? &*record.title : nullptr, kMaxTitleLength);
+        checkLength(i, "body", &*record.body, kMaxBodyLength);
     }
 
     const LanguageEntry& english = document->entries[0];

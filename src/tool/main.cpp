@@ -10,5 +10,12 @@ int main(int argc, char* argv[]) {
     // save; ignored, the write fails and the save reports it.
     std::signal(SIGXFSZ, SIG_IGN);
     std::vector<std::string> arguments(argv + 1, argv + argc);
-    return lorekeep::tool::runTool(arguments, std::cout, std::cerr);
+    const int status = lorekeep::tool::runTool(arguments, std::cout, std::cerr);
+    // Findings that never reached their reader (a full disk, a closed pipe)
+    // are not a clean check.
+    if (!std::cout.flush()) {
+        std::cerr << "lorekeep-tool: standard output cannot be written\n";
+        return status == 0 ? 1 : status;
+    }
+    return status;
 }

@@ -18,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <ostream>
+#include <ranges>
 #include <set>
 #include <sstream>
 
@@ -205,7 +206,8 @@ std::string escapeName(const std::string& name) {
     const Text decoded = fromUtf8(name);  // invalid bytes as U+DC80 + (byte - 0x80)
     for (std::size_t k = 0; k < decoded.size(); ++k) {
         const char16_t c = decoded[k];
-        const bool pair = c >= 0xD800 && c < 0xDC00 && k + 1 < decoded.size();
+        const bool pair = c >= 0xD800 && c < 0xDC00 && k + 1 < decoded.size() &&
+                          decoded[k + 1] >= 0xDC00 && decoded[k + 1] < 0xE000;
         if (c == u'\\') {
             escaped += "\\\\";
         } else if (c < 0x20 || c == 0x7F || (c >= 0xDC80 && c <= 0xDCFF)) {
@@ -228,8 +230,9 @@ std::string unescapeName(std::string_view escaped) {
         if (rest.starts_with("\\\\")) {
             name += '\\';
             ++k;
-        } else if (rest.size() >= 4 && rest.starts_with("\\x") && std::isxdigit(rest[2]) &&
-                   std::isxdigit(rest[3])) {
+        } else if (rest.size() >= 4 && rest.starts_with("\\x") &&
+                   std::isxdigit(static_cast<unsigned char>(rest[2])) != 0 &&
+                   std::isxdigit(static_cast<unsigned char>(rest[3])) != 0) {
             name += static_cast<char>(std::stoi(std::string(rest.substr(2, 2)), nullptr, 16));
             k += 3;
         } else {
@@ -427,14 +430,29 @@ constexpr int kReadAttempts = 3;
 // Applies one schema file's translations and saves it once, never over a
 // change that someone saved after it was read: then it is read again and the
 // translations applied again. Reports each refusal and the file's outcome.
-void importInto(const SchemaFile& file, const std::vector<Translation>& translations,
-                Language language, bool dryRun, const LocalDateTime& stamp, std::ostream& out,
-                ImportCounts& counts) {
+void importInto(const SchemaFile& file, std::vector<Translation> translations, Language language,
+                bool dryRun, const LocalDateTime& stamp, std::ostream& out, ImportCounts& counts) {
+    // Two entries that give one field two texts (through two names of the
+    // file) are both refused: which one is meant is not for us to guess.
+    std::vector<std::pair<std::string, std::string>> conflicts;
+    for (const auto& [field, name] : kFields) {
+        const auto inField = [field](const Translation& t) { return t.field == field; };
+        const auto first = std::ranges::find_if(translations, inField);
+        if (std::ranges::any_of(translations, [&](const Translation& t) {
+                return inField(t) && t.text != first->text;
+            })) {
+            for (const Translation& t : translations | std::views::filter(inField)) {
+                conflicts.emplace_back(t.where, "another entry gives this file's " +
+                                                    std::string(name) + " another text");
+            }
+            std::erase_if(translations, inField);
+        }
+    }
     std::vector<std::pair<std::string, std::string>> refusals;
     int applied = 0;
     std::string failure;
     for (int attempt = 1; attempt <= kReadAttempts; ++attempt) {
-        refusals.clear();
+        refusals = conflicts;
         failure.clear();
         Loaded loaded;
         const LoadResult load = loadSchemaFile(file.path.string(), {}, &loaded.bytes);
@@ -461,10 +479,16 @@ void importInto(const SchemaFile& file, const std::vector<Translation>& translat
             applied = loaded.changes;
             break;
         }
+        struct stat st {};
+        const bool linked = stat(file.path.c_str(), &st) == 0 && st.st_nlink > 1;
         const ReplaceResult saved = replaceFileContents(
             file.path.string(), rewritten(loaded, loaded.document, language, stamp), &loaded.bytes);
         if (saved) {
             applied = loaded.changes;
+            if (linked) {
+                out << file.name << ": note: its other hard links keep the old text (a save "
+                    << "puts a new file in its place)\n";
+            }
             break;
         }
         failure = saved.error;
@@ -528,7 +552,14 @@ bool exportPo(const std::vector<SchemaFile>& files, Language language, bool temp
                                       .c_str());
     po_message_insert(at.get(), header);
     std::size_t messages = 1;
+    std::set<std::string> names;
     for (const SchemaFile& file : files) {
+        if (!names.insert(file.name).second) {
+            errors << "lorekeep-tool: " << file.path.string() << ": another of the paths holds a "
+                   << "schema named " << file.name << ", which a PO entry could not tell apart; "
+                   << "left out\n";
+            continue;
+        }
         const auto document = loadDocument(file.path);
         if (!document) {
             errors << "lorekeep-tool: " << file.path.string() << ": does not load; left out\n";
@@ -584,8 +615,11 @@ ImportCounts importPo(const std::string& poFile, const std::vector<SchemaFile>& 
         std::string bytes;
         std::string why;
         const MemoryFile memory;
-        if (!readFileBytes(poFile, kMaxPoFileSize, bytes, &why) || !memory.usable() ||
-            !memory.write(bytes)) {
+        if (readFileBytes(poFile, kMaxPoFileSize, bytes, &why) &&
+            (!memory.usable() || !memory.write(bytes))) {
+            why = std::string("no copy of it can be made in memory: ") + std::strerror(errno);
+        }
+        if (!why.empty()) {
             out << "lorekeep-tool: " << poFile << ": cannot be read"
                 << (why.empty() ? std::string() : " (" + why + ")") << "; nothing applied\n";
             return refusedWhole;
@@ -614,15 +648,23 @@ ImportCounts importPo(const std::string& poFile, const std::vector<SchemaFile>& 
         return refusedWhole;
     }
 
-    // Every name a file goes by leads to it; a name that leads to two files
-    // leads nowhere.
+    // Every name a file goes by leads to it, the name an export gives it
+    // first: another file's other name (found through overlapping paths) does
+    // not take that name away. A name that still leads to two files leads
+    // nowhere.
     std::map<std::string, std::set<std::size_t>> byName;
     for (std::size_t k = 0; k < files.size(); ++k) {
         byName[files[k].name].insert(k);
+    }
+    std::map<std::string, std::set<std::size_t>> byOtherName;
+    for (std::size_t k = 0; k < files.size(); ++k) {
         for (const std::string& name : files[k].otherNames) {
-            byName[name].insert(k);
+            if (!byName.contains(name)) {
+                byOtherName[name].insert(k);
+            }
         }
     }
+    byName.merge(byOtherName);
     ImportCounts counts;
     std::map<std::size_t, std::vector<Translation>> perFile;
     for (const char* const* domain = po_file_domains(po.get()); *domain != nullptr; ++domain) {
@@ -666,8 +708,8 @@ ImportCounts importPo(const std::string& poFile, const std::vector<SchemaFile>& 
     }
 
     const LocalDateTime stamp = SystemClock().now();
-    for (const auto& [index, translations] : perFile) {
-        importInto(files[index], translations, *language, dryRun, stamp, out, counts);
+    for (auto& [index, translations] : perFile) {
+        importInto(files[index], std::move(translations), *language, dryRun, stamp, out, counts);
     }
     out << "lorekeep-tool: " << plural(counts.applied, "translation")
         << (dryRun ? " would be applied, " : " applied, ") << counts.refused << " refused\n";

@@ -37,15 +37,18 @@ class FolderWalk {
         std::error_code error;
         fs::directory_iterator it(folder, error);
         for (; !error && it != fs::directory_iterator(); it.increment(error)) {
-            std::error_code ignored;
+            std::error_code statusError;
             const fs::path& path = it->path();
-            if (fs::is_directory(it->symlink_status(ignored))) {
+            if (fs::is_directory(it->symlink_status(statusError))) {
                 walk(path);
             } else if (!isSchema(path)) {
                 continue;
-            } else if (const fs::file_status status = it->status(ignored);
+            } else if (const fs::file_status status = it->status(statusError);
                        fs::is_regular_file(status)) {
                 m_found.push_back({path, path.lexically_relative(m_root).generic_string(), {}});
+            } else if (statusError) {
+                m_problems.push_back(
+                    {path.string(), "cannot be read (" + statusError.message() + ")"});
             } else if (!fs::is_directory(status)) {
                 m_problems.push_back({path.string(), "not a regular file; left out"});
             }
@@ -121,7 +124,9 @@ std::vector<SchemaFile> findSchemas(const std::vector<std::string>& paths,
         } else if (fs::exists(fs::symlink_status(root, error))) {
             problems.push_back({given, "not a regular .sch file or a folder"});
         } else {
-            problems.push_back({given, "no such file or folder"});
+            problems.push_back({given, error && error != std::errc::no_such_file_or_directory
+                                           ? "cannot be read (" + error.message() + ")"
+                                           : "no such file or folder"});
         }
     }
     return onePerFile(std::move(found));
@@ -163,38 +168,75 @@ std::optional<SchemaDocument> documentAfterSave(const SchemaDocument& document) 
     return documentAfterLoad(readSchema(composeSchemaBytes(document, LocalDateTime{})));
 }
 
+namespace {
+
+// The descriptor that a name for one of this program's own open files
+// stands for ("/dev/stdout", "/dev/fd/3"), or nothing.
+std::optional<int> ownDescriptor(std::string_view path) {
+    if (path == "-" || path == "/dev/stdout") {
+        return 1;
+    }
+    if (path == "/dev/stderr") {
+        return 2;
+    }
+    for (const std::string_view prefix : {"/dev/fd/", "/proc/self/fd/"}) {
+        const std::string_view number = path.substr(std::min(path.size(), prefix.size()));
+        if (path.starts_with(prefix) && !number.empty() && number.size() < 6 &&
+            std::ranges::all_of(number, [](char c) { return c >= '0' && c <= '9'; })) {
+            return std::stoi(std::string(number));
+        }
+    }
+    return std::nullopt;
+}
+
+// Writes all of `bytes` to `fd`; the error number when it cannot.
+int writeAllTo(int fd, std::string_view bytes) {
+    for (std::size_t written = 0; written < bytes.size();) {
+        const ssize_t n = write(fd, bytes.data() + written, bytes.size() - written);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return n < 0 ? errno : ENOSPC;
+        }
+        written += static_cast<std::size_t>(n);
+    }
+    return 0;
+}
+
+}  // namespace
+
 bool writeOutput(const std::string& path, std::string_view bytes, std::ostream& out,
                  std::ostream& err) {
-    if (path == "-") {
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        out.flush();
-        if (!out) {
-            err << "lorekeep-tool: standard output cannot be written\n";
-        }
-        return static_cast<bool>(out);
-    }
     std::string error;
     struct stat st {};
-    if (stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode)) {
-        // /dev/stdout, a pipe: nothing to replace, so written as it comes.
-        const int fd = open(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
-        std::size_t written = 0;
-        while (fd >= 0 && written < bytes.size()) {
-            const ssize_t n = write(fd, bytes.data() + written, bytes.size() - written);
-            if (n < 0 && errno == EINTR) {
-                continue;
-            }
-            if (n <= 0) {
-                break;
-            }
-            written += static_cast<std::size_t>(n);
-        }
-        const int code = errno;
-        const bool closed = fd >= 0 && close(fd) == 0;
-        if (written == bytes.size() && closed) {
+    const std::optional<int> own = ownDescriptor(path);
+    if (own == 1) {
+        // Standard output as the shell opened it (appending, a pipe): a
+        // stream to write on, never a file to replace.
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        out.flush();
+        if (out) {
             return true;
         }
-        error = std::strerror(fd < 0 || written < bytes.size() ? code : errno);
+        error = "standard output cannot be written";
+    } else if (own) {
+        if (const int code = writeAllTo(*own, bytes); code != 0) {
+            error = std::strerror(code);
+        } else {
+            return true;
+        }
+    } else if (stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode)) {
+        // A device or a pipe: nothing to replace, so written as it comes.
+        const int fd = open(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
+        int code = fd < 0 ? errno : writeAllTo(fd, bytes);
+        if (fd >= 0 && close(fd) != 0 && code == 0) {
+            code = errno;
+        }
+        if (code == 0) {
+            return true;
+        }
+        error = std::strerror(code);
     } else if (const ReplaceResult replaced = replaceFileContents(path, bytes)) {
         return true;
     } else {

@@ -135,6 +135,13 @@ TEST(FileCommands, OpenedFilesSaveBackUnderTheirOwnName) {
                   "VERSION 2.0\r\nTextEntry\r\n" + nameLine);
     }
     EXPECT_EQ(listDirectory(dir.path()).size(), 3u);
+    // Where both spellings exist, the one asked for opens.
+    SchemaDocument other = workedExample();
+    other.entry(Language::English).title = u"Another";
+    writeBytes(dir / "TOWER.sch", composeSchemaBytes(other, kWorkedStamp));
+    FakeWindow w;
+    w.editor.openFile(fromUtf8(dir / "TOWER.SCH"));
+    EXPECT_EQ(w.titles[0].value, u"The Tower");
 }
 
 // A file far larger than any the window saves is refused without being read:

@@ -100,6 +100,10 @@ TEST(Check, FindsWhatGoesWrongInTheWindowOrThePreview) {
         {replaced(clean, "La Tour", std::string(kMaxTitleLength + 1, 't')),
          {"fr title 4000000 error: longer than the window's limit of 4000000 characters "
           "(4000001): the window does not load this file"}},
+        // In any record, not only the one whose font the window shows.
+        {replaced(clean, "Papyrus14", std::string(kMaxLineLength + 1, 'f')),
+         {"en font 32767 error: longer than the window's limit of 32767 characters (32768): "
+          "the window does not load this file"}},
     };
     for (const auto& [bytes, expected] : cases) {
         EXPECT_EQ(summary(bytes), expected) << bytes;

@@ -93,6 +93,19 @@ expect 1 "export to a full disk" sh -c 'ulimit -f 1; exec "$@"' sh \
     "$tool" export --language de "$work/mod" -o "$work/de.po"
 [ "$(cat "$work/de.html")" = old ] && cmp -s "$work/de.po" "$work/de.po.before" ||
     { echo "FAIL: a failed write changed the old output"; failed=1; }
+# Standard output by any name is a stream: appended to, never replaced.
+expect 0 "render to /dev/stdout" sh -c '"$@" -o /dev/stdout >>"$0"' "$work/de.html" \
+    "$tool" render "$work/mod/intro.sch"
+[ "$(head -n 1 "$work/de.html")" = old ] && grep -q "</html>" "$work/de.html" ||
+    { echo "FAIL: /dev/stdout replaced the file it appends to"; failed=1; }
+expect 1 "findings to a full disk" sh -c '"$@" >/dev/full' sh "$tool" check --format json "$data/clean"
+# Two files of one name under two paths cannot both be PO entries.
+cp -R "$work/mod" "$work/mod2"
+expect 0 "export of clashing names" "$tool" export --language de "$work/mod" "$work/mod2" \
+    -o "$work/both.po"
+grep -q "mod2/intro.sch: another of the paths holds a schema named intro.sch" "$work/err" ||
+    { echo "FAIL: a clashing name was not reported"; cat "$work/err"; failed=1; }
+rm -R "$work/mod2"
 
 # A folder that cannot be read is an error, not silence; JSON stays UTF-8
 # with a file name that is not.

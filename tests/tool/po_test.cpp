@@ -182,27 +182,63 @@ TEST_F(PoTest, WrappedTranslationsAreSavedAsTheWindowSavesThemUnlessDry) {
 
 // A file that the paths reach by several names (a link, overlapping
 // folders) is exported once, and an import applies every translation for it
-// to one document and saves it once.
+// to one document and saves it once; two texts for one field are refused.
+// The name an export gave a file is its own: another file reached by that
+// name through overlapping folders (quests/plain.sch) does not take it.
 TEST_F(PoTest, OneFileReachedByManyNamesIsWrittenOnce) {
     std::filesystem::create_symlink("quests/tower.sch", m_dir / "alias.sch");
+    writeBytes(m_dir / "quests/plain.sch", m_before["plain.sch"]);
     const std::string po = exported(Language::French, false);
     EXPECT_FALSE(contains(po, "alias.sch")) << po;
     EXPECT_EQ(po.find("tower.sch|title"), po.rfind("tower.sch|title"));
-    const std::string entries =
-        "msgctxt \"quests/tower.sch|title\"\nmsgid \"The Tower\"\nmsgstr \"La Tour Noire\"\n\n"
-        "msgctxt \"tower.sch|body\"\nmsgid \"Hello\\\\n<br>\\\\nWorld\"\nmsgstr "
-        "\"Salut\\\\n<br>\\\\nMonde\"\n";
-    writeBytes(m_dir / "in.po", poHeader("Language: fr\\n") + entries);
-    std::ostringstream out;
+    auto entry = [](const char* context, const char* english, const char* text) {
+        return "msgctxt \"" + std::string(context) + "\"\nmsgid \"" + english + "\"\nmsgstr \"" +
+               text + "\"\n\n";
+    };
+    const std::string title = entry("quests/tower.sch|title", "The Tower", "La Tour Noire");
+    const std::string body =
+        entry("tower.sch|body", "Hello\\\\n<br>\\\\nWorld", "Salut\\\\n<br>\\\\nMonde");
+    const struct {
+        std::string entries;
+        int applied;
+        int refused;
+        LanguageEntry french;
+    } cases[] = {
+        {title + body + entry("alias.sch|title", "The Tower", "La Tour Noire") +
+             entry("plain.sch|body", "Yes", "Oui"),
+         3,
+         0,
+         {u"La Tour Noire", u"Salut\\n<br>\\nMonde"}},
+        {title + entry("alias.sch|title", "The Tower", "Une autre tour"), 0, 2,
+         tower().entry(Language::French)},
+    };
     std::vector<PathProblem> problems;
     const auto files = findSchemas({m_dir.path(), m_dir / "quests"}, problems);
-    const ImportCounts counts = importPo(m_dir / "in.po", files, false, out);
-    EXPECT_EQ(counts.applied, 2) << out.str();
-    EXPECT_EQ(counts.refused, 0) << out.str();
-    SchemaDocument expected = tower();
-    expected.entry(Language::French) = {u"La Tour Noire", u"Salut\\n<br>\\nMonde"};
-    EXPECT_EQ(withoutStamps(readBytes(m_dir / "quests/tower.sch")),
-              withoutStamps(composeSchemaBytes(expected, kWorkedStamp)));
+    for (const auto& c : cases) {
+        writeBytes(m_dir / "quests/tower.sch", m_before["quests/tower.sch"]);
+        writeBytes(m_dir / "in.po", poHeader("Language: fr\\n") + c.entries);
+        std::ostringstream out;
+        const ImportCounts counts = importPo(m_dir / "in.po", files, false, out);
+        EXPECT_EQ(counts.applied, c.applied) << out.str();
+        EXPECT_EQ(counts.refused, c.refused) << out.str();
+        EXPECT_EQ(loadDocument(m_dir / "quests/tower.sch")->entry(Language::French), c.french);
+    }
+    EXPECT_EQ(loadDocument(m_dir / "plain.sch")->entry(Language::French).body, u"Oui");
+    EXPECT_EQ(readBytes(m_dir / "quests/plain.sch"), m_before["plain.sch"]);
+}
+
+// Import writes the translated record with the font that record named,
+// not the one a later record names.
+TEST_F(PoTest, ARewrittenRecordKeepsItsOwnFont) {
+    std::string bytes = m_before["quests/tower.sch"];
+    const std::size_t german = bytes.find("Papyrus14", bytes.find("lang_german"));
+    bytes.replace(german, 9, "SmallFont10");
+    writeBytes(m_dir / "quests/tower.sch", bytes);
+    import(poHeader("Language: de\\n") +
+           "msgctxt \"quests/tower.sch|title\"\nmsgid \"The Tower\"\nmsgstr \"Der Turm\"\n");
+    bytes = readBytes(m_dir / "quests/tower.sch");
+    EXPECT_TRUE(contains(bytes.substr(bytes.find("lang_german"), 60), "<font=SmallFont10>"))
+        << m_out << bytes;
 }
 
 // A save made while the import runs (here: while it flushes its new file)
