@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <optional>
 
 #include "editor/texts.hpp"
@@ -53,10 +54,14 @@ std::optional<int> readCommandLine(int argc, char* argv[], QString& file) {
     }
     file = parser.positionalArguments().value(0);
     // Qt decodes a file name that is not valid UTF-8 with losses; the core's
-    // decoding keeps every byte, so the raw argument that Qt read is used.
+    // decoding keeps every byte, so the raw argument that Qt read is used,
+    // made absolute here (Qt would decode the working folder's name too).
     for (int k = argc - 1; k > 0 && !file.isEmpty(); --k) {
         if (QString::fromLocal8Bit(argv[k]) == file) {
-            file = lorekeep::ui::toQString(lorekeep::fromUtf8(argv[k]));
+            std::error_code error;
+            const std::filesystem::path absolute = std::filesystem::absolute(argv[k], error);
+            file = lorekeep::ui::toQString(
+                lorekeep::fromUtf8(error ? std::string(argv[k]) : absolute.string()));
             break;
         }
     }

@@ -323,7 +323,10 @@ void MainWindow::connectEvents() {
 }
 
 void MainWindow::openFile(const QString& path) {
-    m_editor->openFile(fromQString(QFileInfo(path).absoluteFilePath()));
+    // An absolute path keeps every byte of a name that is not UTF-8 (see
+    // fromUtf8); only a relative one goes through Qt, which may not.
+    m_editor->openFile(
+        fromQString(QFileInfo(path).isAbsolute() ? path : QFileInfo(path).absoluteFilePath()));
 }
 
 void MainWindow::save(const QString& schemaName, const QString& schemaFolder) {
