@@ -18,7 +18,6 @@
 #include <memory>
 #include <optional>
 #include <ostream>
-#include <ranges>
 #include <set>
 #include <sstream>
 
@@ -435,18 +434,27 @@ void importInto(const SchemaFile& file, std::vector<Translation> translations, L
     // Two entries that give one field two texts (through two names of the
     // file) are both refused: which one is meant is not for us to guess.
     std::vector<std::pair<std::string, std::string>> conflicts;
-    for (const auto& [field, name] : kFields) {
-        const auto inField = [field](const Translation& t) { return t.field == field; };
-        const auto first = std::ranges::find_if(translations, inField);
-        if (std::ranges::any_of(translations, [&](const Translation& t) {
-                return inField(t) && t.text != first->text;
-            })) {
-            for (const Translation& t : translations | std::views::filter(inField)) {
-                conflicts.emplace_back(t.where, "another entry gives this file's " +
-                                                    std::string(name) + " another text");
+    for (const auto& fieldAndName : kFields) {
+        const Field field = fieldAndName.first;
+        const Text* first = nullptr;
+        bool differ = false;
+        for (const Translation& t : translations) {
+            if (t.field == field) {
+                differ = differ || (first != nullptr && t.text != *first);
+                first = first != nullptr ? first : &t.text;
             }
-            std::erase_if(translations, inField);
         }
+        if (!differ) {
+            continue;
+        }
+        for (const Translation& t : translations) {
+            if (t.field == field) {
+                conflicts.emplace_back(t.where, "another entry gives this file's " +
+                                                    std::string(fieldAndName.second) +
+                                                    " another text");
+            }
+        }
+        std::erase_if(translations, [field](const Translation& t) { return t.field == field; });
     }
     std::vector<std::pair<std::string, std::string>> refusals;
     int applied = 0;
