@@ -7,6 +7,7 @@
 #include "editor/texts.hpp"
 #include "markup/markers.hpp"
 #include "markup/renderer.hpp"
+#include "markup/scanner.hpp"
 #include "schema/schema_document.hpp"
 #include "schema/schema_file.hpp"
 #include "schema/schema_writer.hpp"
@@ -116,11 +117,11 @@ void SchemaEditor::okClicked(int language) {
     bool allValid = true;
     for (int c = 0; c < kColourBoxesPerLanguage; ++c) {  // every box, in order, in every case
         typed[c] = m_controls.colourBoxes[kColourBoxesPerLanguage * language + c]->text();
-        const auto value = wholeNumber(typed[c]);
-        if (!value || *value < 0 || *value > 255) {
-            allValid = false;
+        // Exactly the forms that the preview then colours.
+        if (const auto value = markup::colourComponentValue(typed[c])) {
+            values[c] = *value;
         } else {
-            values[c] = static_cast<std::uint8_t>(*value);
+            allValid = false;
         }
     }
     if (!allValid) {

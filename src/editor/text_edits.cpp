@@ -1,7 +1,6 @@
 #include "editor/text_edits.hpp"
 
 #include <algorithm>
-#include <limits>
 
 #include "markup/markers.hpp"
 
@@ -9,9 +8,8 @@ namespace lorekeep::editor {
 
 Splice smallestChange(TextView from, TextView to) {
     const std::size_t shorter = std::min(from.size(), to.size());
-    const std::size_t head =
-        static_cast<std::size_t>(std::mismatch(from.begin(), from.begin() + shorter, to.begin()).first -
-                                 from.begin());
+    const std::size_t head = static_cast<std::size_t>(
+        std::mismatch(from.begin(), from.begin() + shorter, to.begin()).first - from.begin());
     const std::size_t tail = static_cast<std::size_t>(
         std::mismatch(from.rbegin(), from.rend() - head, to.rbegin(), to.rend() - head).first -
         from.rbegin());
@@ -52,32 +50,6 @@ TextEdit breakKeyEdit(TextView text, std::size_t caret) {
     edit.text.append(text).append(markup::kLineBreak);
     edit.caret = p + markup::kLineBreak.size();
     return edit;
-}
-
-std::optional<long long> wholeNumber(TextView text) {
-    while (!text.empty() && text.front() == u' ') {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && text.back() == u' ') {
-        text.remove_suffix(1);
-    }
-    bool negative = false;
-    if (!text.empty() && (text.front() == u'-' || text.front() == u'+')) {
-        negative = text.front() == u'-';
-        text.remove_prefix(1);
-    }
-    if (text.empty()) {
-        return std::nullopt;
-    }
-    constexpr long long kLimit = (std::numeric_limits<long long>::max() - 9) / 10;
-    long long value = 0;
-    for (char16_t c : text) {
-        if (c < u'0' || c > u'9' || value > kLimit) {
-            return std::nullopt;
-        }
-        value = value * 10 + (c - u'0');
-    }
-    return negative ? -value : value;
 }
 
 }  // namespace lorekeep::editor

@@ -37,9 +37,4 @@ TextEdit insertAtCaret(TextView text, std::size_t caret, TextView marker);
 // not from the end of the marker written.
 TextEdit breakKeyEdit(TextView text, std::size_t caret);
 
-// A colour box's text as a whole number: optional spaces around, an optional
-// sign, then digits only. Nothing for anything else, or for a number beyond
-// what any integer holds.
-std::optional<long long> wholeNumber(TextView text);
-
 }  // namespace lorekeep::editor

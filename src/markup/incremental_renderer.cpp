@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "markup/scanner.hpp"
+
 namespace lorekeep::markup {
 
 namespace {
@@ -9,10 +11,9 @@ namespace {
 using segments::ScanState;
 using segments::Segment;
 
-// How far the scan reads beyond where it stands (a colour marker looks 33
-// characters ahead); a segment that begins at least this far before an edit
-// was rendered without reading any of it.
-constexpr std::size_t kLookAhead = 64;
+// How far the scan reads beyond where it stands: a segment that begins at
+// least this far before an edit was rendered without reading any of it.
+constexpr std::size_t kLookAhead = kMarkerReach;
 
 // Each character of some segments' text with the colour it is shown in.
 struct Shown {
@@ -89,8 +90,8 @@ PreviewPatch IncrementalRenderer::replace(std::size_t start, std::size_t removed
     const segments::ScanEnd end =
         segments::scan(m_body, from, entry, {m_segmentLength, &places, &states}, fresh);
     std::erase_if(fresh, [](const Segment& part) { return part.bodyLength == 0; });
-    const std::size_t behind = end.stoppedAt < places.size() ? firstBehind + end.stoppedAt
-                                                             : m_parts.size();
+    const std::size_t behind =
+        end.stoppedAt < places.size() ? firstBehind + end.stoppedAt : m_parts.size();
     if (end.stoppedAt == places.size()) {
         m_last = end.state;
     }

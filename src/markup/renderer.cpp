@@ -1,40 +1,13 @@
 #include "markup/renderer.hpp"
 
 #include "markup/markers.hpp"
+#include "markup/scanner.hpp"
 #include "markup/segments.hpp"
 
 namespace lorekeep::markup {
 
-std::optional<std::uint8_t> colourComponentValue(TextView text) {
-    std::size_t k = 0;
-    const bool negative = !text.empty() && text[0] == u'-';
-    if (negative) {
-        k = 1;
-    }
-    if (k == text.size()) {
-        return std::nullopt;
-    }
-    unsigned value = 0;
-    for (; k < text.size(); ++k) {
-        if (text[k] < u'0' || text[k] > u'9') {
-            return std::nullopt;
-        }
-        value = std::min(value * 10 + static_cast<unsigned>(text[k] - u'0'), 1000u);
-    }
-    if (negative) {
-        return std::uint8_t{0};
-    }
-    return static_cast<std::uint8_t>(std::min(value, 255u));
-}
-
 namespace {
 
-// How far a colour marker reaches: its closing separator must begin within
-// the 30 positions from the tag, or the marker takes 33 characters.
-constexpr std::size_t kColourSearchFirst = 3;
-constexpr std::size_t kColourSearchLast = 32;
-constexpr std::size_t kColourSwallow = 33;
-constexpr std::size_t kMaxComponentLength = 4;
 // Room for what the markers near a segment's end add to its text.
 constexpr std::size_t kSegmentSlack = 64;
 
@@ -63,23 +36,6 @@ class Unscanned {
         }
         k -= waiting;
         return m_next + k < m_body.size() ? m_body[m_next + k] : u'\0';
-    }
-
-    bool matches(std::size_t k, TextView what) const {
-        for (std::size_t n = 0; n < what.size(); ++n) {
-            if (k + n >= size() || at(k + n) != what[n]) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    Text take(std::size_t from, std::size_t count) const {
-        Text piece;
-        for (std::size_t k = from; k < from + count && k < size(); ++k) {
-            piece.push_back(at(k));
-        }
-        return piece;
     }
 
     void drop(std::size_t count) {
@@ -150,8 +106,9 @@ class Renderer {
                 }
                 // A plain run stops where the next cut or stop may be, so
                 // that text without markers is cut into segments too.
-                std::size_t limit = m_cuts.length > m_rest.size() ? m_rest.position() + m_rest.size()
-                                                                  : m_position + m_cuts.length;
+                std::size_t limit = m_cuts.length > m_rest.size()
+                                        ? m_rest.position() + m_rest.size()
+                                        : m_position + m_cuts.length;
                 if (m_nextPlace < placeCount) {
                     limit = std::min(limit, (*m_cuts.places)[m_nextPlace]);
                 }
@@ -195,30 +152,36 @@ class Renderer {
     // Acts on the marker at the scan position. Returns false when the scan
     // simply moves on by one character.
     bool classify() {
-        if (m_rest.matches(kTagOffset, kTagFont)) {
-            return false;
-        }
-        if (m_rest.matches(kTagOffset, kTagColour)) {
-            renderColour();
-            return true;
-        }
-        if (m_rest.matches(kTagOffset, kTagLeft)) {
-            justify(Alignment::Left);
-        } else if (m_rest.matches(kTagOffset, kTagRight)) {
-            justify(Alignment::Right);
-        } else if (m_rest.matches(kTagOffset, kTagCentre)) {
-            justify(Alignment::Centre);
-        } else if (m_rest.matches(kTagOffset, kTagLineBreak)) {
-            insertBreak(kLineBreak.size(), Text(1, kLineBreakCharacter));
-        } else if (m_rest.matches(kTagOffset, kTagParagraph)) {
-            insertBreak(kParagraphBreak.size(), Text(2, kLineBreakCharacter));
-        } else if (m_rest.matches(kTagOffset, kTagPageBreak)) {
-            Text page(1, kLineBreakCharacter);
-            page.append(kPageBreakLine);
-            page.push_back(kLineBreakCharacter);
-            insertBreak(kPageBreak.size(), page);
-        } else {
-            return false;
+        const Marker marker = readMarker(m_rest);
+        switch (marker.kind) {
+            case MarkerKind::None:
+            case MarkerKind::Font:
+                return false;
+            case MarkerKind::Colour:
+                renderColour(marker);
+                break;
+            case MarkerKind::LeftJustify:
+                justify(marker.span, Alignment::Left);
+                break;
+            case MarkerKind::RightJustify:
+                justify(marker.span, Alignment::Right);
+                break;
+            case MarkerKind::Centre:
+                justify(marker.span, Alignment::Centre);
+                break;
+            case MarkerKind::LineBreak:
+                insertBreak(marker.span, Text(1, kLineBreakCharacter));
+                break;
+            case MarkerKind::ParagraphBreak:
+                insertBreak(marker.span, Text(2, kLineBreakCharacter));
+                break;
+            case MarkerKind::PageBreak: {
+                Text page(1, kLineBreakCharacter);
+                page.append(kPageBreakLine);
+                page.push_back(kLineBreakCharacter);
+                insertBreak(marker.span, page);
+                break;
+            }
         }
         return true;
     }
@@ -226,8 +189,8 @@ class Renderer {
     // The marker goes; everything from the character that followed it is
     // aligned. A separator standing right there keeps the paragraph before it
     // as it was, since the selection starts just after that character.
-    void justify(Alignment alignment) {
-        m_rest.drop(kLeftJustify.size());
+    void justify(std::size_t span, Alignment alignment) {
+        m_rest.drop(span);
         if (m_rest.size() > 0 && isParagraphSeparator(m_rest.at(0))) {
             m_state.laterParagraphs = alignment;
         } else {
@@ -243,43 +206,17 @@ class Renderer {
         output(m_rest.nextPlainRun());
     }
 
-    void renderColour() {
-        std::size_t j = componentLength(6, u',');
-        const Text red = m_rest.take(6, j);
-        std::size_t k = componentLength(7 + j, u',');
-        const Text green = m_rest.take(7 + j, k);
-        std::size_t m = componentLength(8 + j + k, kTagEnd);
-        const Text blue = m_rest.take(8 + j + k, m);
-
-        const auto r = colourComponentValue(red);
-        const auto g = colourComponentValue(green);
-        const auto b = colourComponentValue(blue);
-        if (r && g && b) {
+    void renderColour(const Marker& marker) {
+        const ColourComponents& parts = marker.components;
+        if (parts.colour) {
             // Everything from the marker on takes the colour: the marker's own
             // replacement inherits it from the last character it replaces.
-            setColour(Rgb{*r, *g, *b});
+            setColour(*parts.colour);
         }
-
-        std::size_t end = kColourSwallow;
-        for (std::size_t p = kColourSearchFirst; p <= kColourSearchLast; ++p) {
-            if (m_rest.matches(p, kSeparator)) {
-                end = p + kSeparator.size();
-                break;
-            }
-        }
-        m_rest.drop(end);
-        m_rest.pushFront(shownColour(red, green, blue));
+        m_rest.drop(marker.span);
+        m_rest.pushFront(shownColour(parts.text[0], parts.text[1], parts.text[2]));
         setLastSelection(false);
         output(m_rest.nextPlainRun());
-    }
-
-    std::size_t componentLength(std::size_t from, char16_t terminator) const {
-        for (std::size_t x = 0; x < kMaxComponentLength; ++x) {
-            if (from + x < m_rest.size() && m_rest.at(from + x) == terminator) {
-                return x;
-            }
-        }
-        return kMaxComponentLength;
     }
 
     void output(TextView run) {
@@ -357,8 +294,7 @@ RenderedPreview assembleParts(Parts&& parts, const ScanState& last) {
         if (!part.colours.empty()) {
             colour = part.colours.back().colour;
         }
-        out.paragraphs.insert(out.paragraphs.end(), part.paragraphs.begin(),
-                              part.paragraphs.end());
+        out.paragraphs.insert(out.paragraphs.end(), part.paragraphs.begin(), part.paragraphs.end());
         if (part.selection) {
             caret = base + part.selection->offset;
             toEnd = part.selection->toEnd;

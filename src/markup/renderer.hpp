@@ -16,9 +16,4 @@ namespace lorekeep::markup {
 // length of the body.
 RenderedPreview renderPreview(TextView body);
 
-// A colour component as a colour marker writes it: an optional "-" and
-// digits, clamped to 0..255. Anything else (empty text included) has no value,
-// and a marker with such a component colours nothing.
-std::optional<std::uint8_t> colourComponentValue(TextView text);
-
 }  // namespace lorekeep::markup

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "markup/markers.hpp"
-#include "markup/renderer.hpp"
+#include "markup/scanner.hpp"
 #include "schema/limits.hpp"
 #include "schema/windows1252.hpp"
 #include "tool/schema_set.hpp"
@@ -15,10 +15,6 @@ namespace {
 
 // The bytes that Windows-1252 leaves without a character.
 constexpr std::string_view kUndefinedBytes = "\x81\x8D\x8F\x90\x9D";
-// How far the preview looks for a colour marker's closing separator, and
-// what it swallows when there is none.
-constexpr std::size_t kColourReach = 33;
-constexpr std::size_t kMaxComponentDigits = 3;
 // How much of a tag a message quotes.
 constexpr std::size_t kQuotedTag = 24;
 
@@ -69,93 +65,62 @@ class Checker {
                               std::move(field), position, severity, std::move(message)});
     }
 
-    // Markers that the preview shows as typed or that eat text, scanned as
-    // the preview scans: a tag is named three characters after a separator.
+    // Markers that the preview shows as typed or that eat text, read as the
+    // preview reads them.
     void checkMarkers(int language, TextView body) {
-        const TextView separator = markup::kSeparator;
-        for (std::size_t i = body.find(separator); i != TextView::npos;
-             i = body.find(separator, i)) {
-            const TextView tag = body.substr(std::min(body.size(), i + markup::kTagOffset));
-            std::size_t length = fixedMarkerLength(tag);
-            if (length == 0 && tag.starts_with(markup::kTagColour)) {
-                length = checkColour(language, body, i);
-            } else if (length == 0) {
-                length = separator.size();
-                if (body.substr(i + separator.size()).starts_with(markup::kTagStart)) {
-                    unknownTag(language, body, i);
-                }
+        for (std::size_t i = body.find(markup::kSeparator); i != TextView::npos;
+             i = body.find(markup::kSeparator, i)) {
+            const markup::Marker marker = markup::markerAt(body, i);
+            if (marker.kind == markup::MarkerKind::Colour) {
+                checkColour(language, i, marker);
+            } else if (marker.kind == markup::MarkerKind::None ||
+                       marker.kind == markup::MarkerKind::Font) {
+                shownAsTyped(language, body, i, marker.kind == markup::MarkerKind::Font);
             }
-            i += length;
+            i += std::max(marker.span, markup::kSeparator.size());
         }
     }
 
   private:
-    static std::size_t fixedMarkerLength(TextView tag) {
-        if (tag.starts_with(markup::kTagParagraph)) {
-            return markup::kParagraphBreak.size();
+    void shownAsTyped(int language, TextView body, std::size_t at, bool font) {
+        if (!body.substr(at + markup::kSeparator.size()).starts_with(markup::kTagStart)) {
+            return;  // a bare separator
         }
-        for (TextView name : {markup::kTagLeft, markup::kTagRight, markup::kTagCentre,
-                              markup::kTagLineBreak, markup::kTagPageBreak}) {
-            if (tag.starts_with(name)) {
-                return markup::kLineBreak.size();
-            }
-        }
-        return 0;
-    }
-
-    void unknownTag(int language, TextView body, std::size_t at) {
-        const std::size_t open = at + markup::kSeparator.size();
-        const std::size_t nextSeparator = body.find(markup::kSeparator, open);
-        const std::size_t close = body.substr(0, nextSeparator).find(markup::kTagEnd, open);
-        if (close == TextView::npos) {
+        const std::size_t length = markup::writtenTagLength(body, at);
+        if (length == 0) {
             add(language, "body", at, Severity::Warning,
                 "\"\\n<\" is not closed by \">\" before the next \\n; the preview shows it as "
                 "typed");
             return;
         }
-        const TextView tag = body.substr(open, close + 1 - open);
+        const std::size_t open = at + markup::kSeparator.size();
+        const TextView tag = body.substr(open, body.find(markup::kTagEnd, open) + 1 - open);
         add(language, "body", at, Severity::Warning,
-            (tag.substr(1).starts_with(markup::kTagFont) ? "the font tag " : "unknown tag ") +
-                excerpt(tag) + " is shown as typed in the preview");
+            (font ? "the font tag " : "unknown tag ") + excerpt(tag) +
+                " is shown as typed in the preview");
     }
 
-    // A colour marker as the preview reads it: three components of up to
-    // three digits before their "," "," ">", and the marker's end at the
-    // first separator within reach. Returns how far the preview's
-    // replacement reaches from `at`.
-    std::size_t checkColour(int language, TextView body, std::size_t at) {
-        std::size_t next = at + markup::kTagOffset + markup::kTagColour.size();
-        for (char16_t end : {u',', u',', markup::kTagEnd}) {
-            std::size_t digits = 0;
-            while (digits <= kMaxComponentDigits && next + digits < body.size() &&
-                   body[next + digits] != end) {
-                ++digits;
-            }
-            const TextView component = body.substr(std::min(next, body.size()), digits);
-            const bool number =
-                !component.empty() && digits <= kMaxComponentDigits &&
-                std::ranges::all_of(component, [](char16_t c) { return c >= u'0' && c <= u'9'; });
-            const auto value = markup::colourComponentValue(component);
-            if (!number || !value || *value != std::stoi(toUtf8(component))) {
-                add(language, "body", next, Severity::Warning,
-                    "colour component " + excerpt(component) +
+    void checkColour(int language, std::size_t at, const markup::Marker& marker) {
+        const markup::ColourComponents& parts = marker.components;
+        for (std::size_t c = 0; c < parts.text.size(); ++c) {
+            if (!markup::colourComponentValue(parts.text[c])) {
+                add(language, "body", at + parts.start[c], Severity::Warning,
+                    "colour component " + excerpt(parts.text[c]) +
                         " is not a whole number from 0 to 255");
             }
-            next += digits + 1;
         }
-        const std::size_t close =
-            body.substr(0, at + kColourReach + 1).find(markup::kSeparator, at + 3);
-        if (close == TextView::npos) {
+        if (!marker.closed) {
             add(language, "body", at, Severity::Error,
                 "the colour marker has no closing \\n within reach: the preview swallows the " +
-                    std::to_string(kColourReach) + " characters from its backslash");
-            return kColourReach;
+                    std::to_string(marker.span) + " characters from its backslash");
+            return;
         }
-        if (close > next) {
-            add(language, "body", next - 1, Severity::Warning,
+        // Where the ">" after the blue component stands, or would.
+        const std::size_t close = at + parts.start[2] + parts.text[2].size();
+        if (at + marker.span - markup::kSeparator.size() > close + 1) {
+            add(language, "body", close, Severity::Warning,
                 "text between the colour marker's \">\" and its closing \\n is not shown");
         }
-        return close + markup::kSeparator.size() - at;
     }
 
     std::string m_file;

@@ -27,7 +27,7 @@
 #include "schema/schema_file.hpp"
 #include "schema/schema_writer.hpp"
 #include "schema/windows1252.hpp"
-#include "tool/markers.hpp"
+#include "tool/markers_to_keep.hpp"
 
 namespace lorekeep::tool {
 
@@ -242,12 +242,12 @@ std::string unescapeName(std::string_view escaped) {
 }
 
 std::string keepComment(TextView english) {
-    const std::vector<Text> markers = markersIn(english);
+    const std::vector<Text> markers = markersToKeep(english);
     std::string comment;
     for (const Text& marker : markers) {
         comment += (comment.empty() ? "Keep these markers: " : " ") + toUtf8(marker);
     }
-    const auto breaks = std::ranges::count(markersIn(english, true), Text(u"\n"));
+    const auto breaks = std::ranges::count(markersToKeep(english, true), Text(u"\n"));
     if (breaks > 0) {
         comment += (comment.empty() ? "" : ". ") + std::string("Keep its ") +
                    std::to_string(breaks) + " real line break" + (breaks == 1 ? "" : "s") + ".";
@@ -276,8 +276,8 @@ std::string markerList(const std::vector<Text>& markers) {
 // Nothing when the translation keeps the English text's markers, and real
 // line breaks, in order; otherwise what differs.
 std::optional<std::string> markerProblem(TextView english, TextView translation) {
-    std::vector<Text> expected = markersIn(english, true);
-    std::vector<Text> found = markersIn(translation, true);
+    std::vector<Text> expected = markersToKeep(english, true);
+    std::vector<Text> found = markersToKeep(translation, true);
     if (expected == found) {
         return std::nullopt;
     }

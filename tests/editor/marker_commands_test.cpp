@@ -87,11 +87,12 @@ TEST(MarkerCommands, ColourEntryStates) {
     runPresses(
         {{'K', "ab", true, true},
          {'K', R"(a\n<dc=0,0,0>\nb)", true, false},
-         {'O', R"(a\n<dc=0,0,0>\n\n<dc=007, 12 ,+5>\nb)", false, false, {"007", " 12 ", "+5"}}});
+         {'O', R"(a\n<dc=0,0,0>\n\n<dc=007,12,0255>\nb)", false, false, {"007", "12", "0255"}}});
 }
 
 TEST(MarkerCommands, RefusedColourValuesChangeNothing) {
-    for (const char* bad : {"256", "-1", "", "1.5"}) {
+    // Only digits make a colour number, as only they colour the preview.
+    for (const char* bad : {"256", "-1", "", "1.5", " 12", "+5", "00255"}) {
         for (int position = 0; position < 3; ++position) {
             FakeWindow w;
             prepare(w, 0, u"text", 2);

@@ -27,15 +27,5 @@ TEST(BreakKey, WritesTheRightMarker) {
     }
 }
 
-TEST(WholeNumber, AcceptsSignsAndSpacesAroundDigitsOnly) {
-    EXPECT_EQ(wholeNumber(u"007"), 7);
-    EXPECT_EQ(wholeNumber(u" +12 "), 12);
-    EXPECT_EQ(wholeNumber(u"-1"), -1);
-    for (const char* refused :
-         {"", " ", "abc", "1.5", "1e2", "0x10", "- 5", "99999999999999999999"}) {
-        EXPECT_EQ(wholeNumber(fromUtf8(refused)), std::nullopt) << refused;
-    }
-}
-
 }  // namespace
 }  // namespace lorekeep::editor

@@ -5,6 +5,7 @@
 
 #include "markup/markers.hpp"
 #include "markup/renderer.hpp"
+#include "markup/scanner.hpp"
 
 namespace lorekeep::testing {
 

@@ -1,7 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
+#include "markup/markers.hpp"
+#include "markup/renderer.hpp"
 #include "schema/limits.hpp"
 #include "schema/schema_writer.hpp"
+#include "support/fakes.hpp"
 #include "tool/check.hpp"
 
 namespace lorekeep::tool {
@@ -108,6 +113,57 @@ TEST(Check, FindsWhatGoesWrongInTheWindowOrThePreview) {
     for (const auto& [bytes, expected] : cases) {
         EXPECT_EQ(summary(bytes), expected) << bytes;
     }
+}
+
+// The colour command, the preview and check read a colour marker alike: what
+// OK accepts the preview colours with exactly those numbers and check passes;
+// what OK refuses, written by hand, check reports and the preview does not
+// colour with the numbers meant.
+TEST(Check, AgreesWithTheColourCommandAndThePreview) {
+    std::mt19937 random(20261125);
+    // Half the markers of numbers near the range, the rest of anything.
+    auto component = [&](bool number) {
+        static constexpr std::u16string_view kAlphabet = u"0123456789 +-a";
+        if (number) {
+            return fromUtf8((random() % 4 == 0 ? "0" : "") + std::to_string(random() % 300));
+        }
+        Text text;
+        for (std::size_t n = random() % 6; n > 0; --n) {
+            text.push_back(kAlphabet[random() % (random() % 3 == 0 ? kAlphabet.size() : 10)]);
+        }
+        return text;
+    };
+    // The number a modder meant: the digits, whatever else stands around them.
+    auto meant = [](TextView text) {
+        unsigned value = 0;
+        for (const char16_t c : text) {
+            value = c >= u'0' && c <= u'9' ? std::min(value * 10 + (c - u'0'), 9999u) : value;
+        }
+        return value;
+    };
+    int accepted = 0;
+    for (int n = 0; n < 3000; ++n) {
+        const bool numbers = n % 2 == 0;
+        const std::array<Text, 3> typed{component(numbers), component(numbers), component(numbers)};
+        testing::FakeWindow w;
+        w.editor.colourClicked(0);
+        for (int c = 0; c < 3; ++c) {
+            w.colourBoxes[c].value = typed[c];
+        }
+        w.editor.okClicked(0);
+        const bool ok = w.messages.shown.empty();
+        accepted += ok ? 1 : 0;
+        const Text body = markup::colourMarker(typed[0], typed[1], typed[2]) + u"X";
+        const markup::CharColour shown = markup::renderPreview(body).colours.front().colour;
+        const bool coloursAsMeant = shown && shown->red == meant(typed[0]) &&
+                                    shown->green == meant(typed[1]) &&
+                                    shown->blue == meant(typed[2]);
+        const bool checkSilent = summary(saved(body)).empty();
+        ASSERT_EQ(ok, coloursAsMeant) << toUtf8(body);
+        ASSERT_EQ(ok, checkSilent) << toUtf8(body);
+        ASSERT_EQ(ok, w.boxes[0].text == body.substr(0, body.size() - 1)) << toUtf8(body);
+    }
+    EXPECT_GT(accepted, 500);
 }
 
 TEST(Check, FormatsFindingsAsLinesAndJson) {
