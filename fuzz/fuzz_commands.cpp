@@ -34,7 +34,7 @@ constexpr int kBoxes = editor::kColourBoxesPerLanguage;
 
 void check(const testing::FakeWindow& w) {
     for (int i = 0; i < kLanguageCount; ++i) {
-        const editor::MarkerState& state = w.editor.markerState(i);
+        const editor::MarkerState& state = w.editor.markerState(Language(i));
         if (state.leftJustifyOn + state.centreOn + state.rightJustifyOn > 1) {
             std::abort();
         }
@@ -53,7 +53,7 @@ void check(const testing::FakeWindow& w) {
             std::abort();
         }
         // Every change of an editor's text refreshed its pane from it.
-        const auto& pane = w.boxes[editor::kPreviewIndexOffset + i];
+        const auto& pane = w.boxes[kLanguageCount + i];
         if (editor.replacements > 0 &&
             (!pane.preview || !(*pane.preview == markup::renderPreview(editor.text)))) {
             std::abort();
@@ -83,23 +83,27 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     while (!in.empty()) {
         const std::uint8_t op = in.byte();
         const int i = (op >> 4) % kLanguageCount;
-        const int box = (op >> 4) % editor::kRichTextBoxCount;  // an editor or a pane
+        const Language language = Language(i);
+        // An editor or a pane.
+        const int box = (op >> 4) % (2 * kLanguageCount);
+        const editor::Box typedInto =
+            box < kLanguageCount ? editor::Box::Body : editor::Box::Preview;
         switch (op % 10) {
             case 0:
-                w.editor.leftJustifyClicked(i);
+                w.editor.leftJustifyClicked(language);
                 break;
             case 1:
-                w.editor.centreClicked(i);
+                w.editor.centreClicked(language);
                 break;
             case 2:
-                w.editor.rightJustifyClicked(i);
+                w.editor.rightJustifyClicked(language);
                 break;
             case 3:
-                w.editor.colourClicked(i);
+                w.editor.colourClicked(language);
                 break;
             case 4:
                 if (w.okButtons[i].enabled) {
-                    w.editor.okClicked(i);
+                    w.editor.okClicked(language);
                 }
                 break;
             case 5:
@@ -107,7 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 break;
             case 6: {
                 int code = 13;
-                w.editor.characterTyped(box, code);
+                w.editor.characterTyped(Language(box % kLanguageCount), typedInto, code);
                 if (code != 0) {
                     std::abort();
                 }
@@ -117,12 +121,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 w.boxes[i].setCaretPosition(in.byte());
                 break;
             case 8:
-                w.editor.copyClicked(i);
+                w.editor.copyClicked(language);
                 break;
             case 9: {
                 int code = in.byte();
                 const int typed = code;
-                w.editor.characterTyped(box, code);
+                w.editor.characterTyped(Language(box % kLanguageCount), typedInto, code);
                 if (typed != 13 && code != typed) {
                     std::abort();
                 }

@@ -51,10 +51,6 @@ class EditorBox {
     // A position beyond the end puts the caret at the end.
     virtual void setCaretPosition(std::size_t position) = 0;
     virtual void giveFocus() = 0;
-
-    // The one change since the last call, or nothing when the box cannot
-    // tell (then the whole text may differ).
-    virtual std::optional<TextChange> takeChange() { return std::nullopt; }
 };
 
 // A preview pane: shows a rendered body, its colours and alignments.

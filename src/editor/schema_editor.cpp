@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <ostream>
 
 #include "editor/text_edits.hpp"
 #include "editor/texts.hpp"
@@ -22,38 +23,36 @@ constexpr std::size_t kExtensionLength = 4;
 
 }  // namespace
 
-void SchemaEditor::textChanged(int box) {
-    if (box < 0 || box >= kPreviewIndexOffset) {
-        return;
-    }
-    EditorBox& editor = *m_controls.richTextBoxes[box];
-    PreviewPane& pane = *m_controls.previewPanes[box];
-    markup::IncrementalRenderer& preview = m_previews[box];
+void SchemaEditor::bodyChanged(Language language, const std::optional<TextChange>& change) {
+    LanguageControls& controls = m_controls.of(language);
+    LanguageState& state = stateOf(language);
+    markup::IncrementalRenderer& preview = state.preview;
     // A change the box can name renders only around itself; anything else
     // renders the whole text again.
-    const std::optional<TextChange> change = editor.takeChange();
-    if (change && m_previewInStep[box] && change->start <= preview.body().size() &&
+    if (change && state.previewInStep && change->start <= preview.body().size() &&
         change->removed <= preview.body().size() - change->start) {
-        pane.showPreviewChange(preview.replace(change->start, change->removed, change->inserted),
-                               [&preview] { return preview.preview(); });
+        controls.preview->showPreviewChange(
+            preview.replace(change->start, change->removed, change->inserted),
+            [&preview] { return preview.preview(); });
         return;
     }
-    preview.reset(editor.plainText());
-    m_previewInStep[box] = true;
-    pane.showPreview(preview.preview());
+    preview.reset(controls.body->plainText());
+    state.previewInStep = true;
+    controls.preview->showPreview(preview.preview());
 }
 
-void SchemaEditor::characterTyped(int box, int& code) {
+void SchemaEditor::characterTyped(Language language, Box box, int& code) {
     if (code != kEnterKey) {
         return;
     }
-    EditorBox& editor = *m_controls.richTextBoxes[box];
+    LanguageControls& controls = m_controls.of(language);
+    EditorBox& editor = box == Box::Body ? *controls.body : *controls.previewText;
     applyEdit(editor, breakKeyEdit(editor.plainText(), editor.caretPosition()));
     code = 0;
 }
 
-void SchemaEditor::insertAtCaret(int language, TextView marker) {
-    EditorBox& editor = *m_controls.richTextBoxes[language];
+void SchemaEditor::insertAtCaret(Language language, TextView marker) {
+    EditorBox& editor = *m_controls.of(language).body;
     const TextEdit edit = editor::insertAtCaret(editor.plainText(), editor.caretPosition(), marker);
     editor.giveFocus();
     applyEdit(editor, edit);
@@ -68,9 +67,9 @@ void SchemaEditor::applyEdit(EditorBox& editor, const TextEdit& edit) {
     editor.setCaretPosition(edit.caret);
 }
 
-void SchemaEditor::justify(int language, bool MarkerState::*own, bool MarkerState::*firstOther,
+void SchemaEditor::justify(Language language, bool MarkerState::*own, bool MarkerState::*firstOther,
                            bool MarkerState::*secondOther, TextView marker) {
-    MarkerState& state = m_state[language];
+    MarkerState& state = stateOf(language).markers;
     state.*own = toggle(state.*own);
     if (!(state.*own)) {
         return;
@@ -83,40 +82,42 @@ void SchemaEditor::justify(int language, bool MarkerState::*own, bool MarkerStat
     insertAtCaret(language, marker);
 }
 
-void SchemaEditor::leftJustifyClicked(int language) {
+void SchemaEditor::leftJustifyClicked(Language language) {
     justify(language, &MarkerState::leftJustifyOn, &MarkerState::rightJustifyOn,
             &MarkerState::centreOn, markup::kLeftJustify);
 }
 
-void SchemaEditor::centreClicked(int language) {
+void SchemaEditor::centreClicked(Language language) {
     justify(language, &MarkerState::centreOn, &MarkerState::leftJustifyOn,
             &MarkerState::rightJustifyOn, markup::kCentre);
 }
 
-void SchemaEditor::rightJustifyClicked(int language) {
+void SchemaEditor::rightJustifyClicked(Language language) {
     justify(language, &MarkerState::rightJustifyOn, &MarkerState::leftJustifyOn,
             &MarkerState::centreOn, markup::kRightJustify);
 }
 
-void SchemaEditor::colourClicked(int language) {
-    MarkerState& state = m_state[language];
+void SchemaEditor::colourClicked(Language language) {
+    MarkerState& state = stateOf(language).markers;
     state.colourOn = toggle(state.colourOn);
     if (state.colourOn) {
-        for (int c = 0; c < kColourBoxesPerLanguage; ++c) {
-            m_controls.colourBoxes[kColourBoxesPerLanguage * language + c]->setEnabled(true);
+        LanguageControls& controls = m_controls.of(language);
+        for (TextBox* box : controls.colourBoxes) {  // red, green, blue, then OK
+            box->setEnabled(true);
         }
-        m_controls.okButtons[language]->setEnabled(true);
+        controls.okButton->setEnabled(true);
     } else {
         insertAtCaret(language, markup::kColourBlack);
     }
 }
 
-void SchemaEditor::okClicked(int language) {
+void SchemaEditor::okClicked(Language language) {
+    LanguageControls& controls = m_controls.of(language);
     std::array<Text, kColourBoxesPerLanguage> typed;
     std::array<std::uint8_t, kColourBoxesPerLanguage> values{};
     bool allValid = true;
     for (int c = 0; c < kColourBoxesPerLanguage; ++c) {  // every box, in order, in every case
-        typed[c] = m_controls.colourBoxes[kColourBoxesPerLanguage * language + c]->text();
+        typed[c] = controls.colourBoxes[c]->text();
         // Exactly the forms that the preview then colours.
         if (const auto value = markup::colourComponentValue(typed[c])) {
             values[c] = *value;
@@ -128,22 +129,21 @@ void SchemaEditor::okClicked(int language) {
         m_controls.messages->showMessage(texts::kColourOutOfRange, texts::kColourOutOfRangeTitle);
         return;
     }
-    m_controls.colourButtons[language]->setBackgroundColour({values[0], values[1], values[2]});
+    controls.colourButton->setBackgroundColour({values[0], values[1], values[2]});
     // The components go in exactly as typed.
     insertAtCaret(language, markup::colourMarker(typed[0], typed[1], typed[2]));
-    for (int c = 0; c < kColourBoxesPerLanguage; ++c) {
-        TextBox& box = *m_controls.colourBoxes[kColourBoxesPerLanguage * language + c];
-        box.setEnabled(false);
-        box.setText(u"0");
+    for (TextBox* box : controls.colourBoxes) {
+        box->setEnabled(false);
+        box->setText(u"0");
     }
-    m_controls.okButtons[language]->setEnabled(false);
+    controls.okButton->setEnabled(false);
 }
 
-void SchemaEditor::copyClicked(int language) {
-    const Text source = m_controls.richTextBoxes[language]->plainText();
-    for (int i = 0; i < kLanguageCount; ++i) {
-        if (i != language) {
-            m_controls.richTextBoxes[i]->replaceText(source);
+void SchemaEditor::copyClicked(Language language) {
+    const Text source = m_controls.of(language).body->plainText();
+    for (const Language other : kAllLanguages) {
+        if (other != language) {
+            m_controls.of(other).body->replaceText(source);
         }
     }
 }
@@ -221,22 +221,23 @@ void SchemaEditor::loadClicked() {
 }
 
 void SchemaEditor::save(TextView schemaName, TextView schemaFolder) {
-    bool saved = false;
+    FileResult saved{false, "out of memory"};
     try {
         SchemaDocument document;
         document.name = Text(schemaName);
         document.folder = Text(schemaFolder);
         document.font = m_controls.fontBox->currentText();
-        for (int i = 0; i < kLanguageCount; ++i) {
-            document.entries[i] = {m_controls.titleBoxes[i]->text(),
-                                   m_controls.richTextBoxes[i]->plainText()};
+        for (const Language language : kAllLanguages) {
+            const LanguageControls& controls = m_controls.of(language);
+            document.entry(language) = {controls.title->text(), controls.body->plainText()};
         }
         // One reading of the clock: all four records carry the same stamp.
-        saved = static_cast<bool>(saveSchema(document, m_controls.clock->now()));
+        saved = saveSchema(document, m_controls.clock->now());
     } catch (...) {
-        saved = false;  // a body too big to gather, or a control that failed: the one message
+        // A body too big to gather, or a control that failed: the one message.
     }
     if (!saved) {
+        diagnose("cannot save " + schemaFilePath(schemaFolder, schemaName), saved.reason);
         m_controls.messages->showMessage(texts::kSaveFailed, texts::kProgramTitle);
     }
 }
@@ -246,26 +247,36 @@ void SchemaEditor::load(TextView schemaName, TextView schemaFolder) {
 }
 
 void SchemaEditor::loadFile(const std::string& path) {
+    std::string failure;
     try {
-        if (!applyLoad(path)) {
-            m_controls.messages->showMessage(texts::kLoadFailed, texts::kProgramTitle);
-        }
+        failure = applyLoad(path);
     } catch (...) {
-        // A control that failed to take what was read: the same one message.
+        failure = "a control could not take what was read";
+    }
+    if (!failure.empty()) {
+        diagnose("cannot load " + path, failure);
         m_controls.messages->showMessage(texts::kLoadFailed, texts::kProgramTitle);
     }
 }
 
-bool SchemaEditor::applyLoad(const std::string& path) {
+void SchemaEditor::diagnose(const std::string& what, const std::string& reason) const {
+    if (m_controls.diagnostics != nullptr) {
+        *m_controls.diagnostics << "lorekeep: " << what << ": "
+                                << (reason.empty() ? "unknown reason" : reason) << std::endl;
+    }
+}
+
+std::string SchemaEditor::applyLoad(const std::string& path) {
     // Nothing in the window changes until the whole file has been read, and
     // nothing at all when a field is longer than its box may hold: the window
     // never shows a cut text as if it were the file's.
     const LoadResult loaded = loadSchemaFile(path);
     if (!std::ranges::all_of(loaded.read.records, fitsTheWindow)) {
-        return false;
+        return "a field is longer than its box holds";
     }
     for (std::size_t i = 0; i < loaded.read.records.size(); ++i) {
         const RecordRead& record = loaded.read.records[i];
+        LanguageControls& controls = m_controls.languages[i];
         if (record.font) {
             if (record.font->entry >= 0) {
                 m_controls.fontBox->setCurrentEntry(record.font->entry);
@@ -274,15 +285,15 @@ bool SchemaEditor::applyLoad(const std::string& path) {
             }
         }
         if (record.title) {
-            m_controls.titleBoxes[i]->setText(*record.title);
+            controls.title->setText(*record.title);
         }
         if (record.body) {
             // Raises the editor's change notification: its preview follows
             // before the next language is applied.
-            m_controls.richTextBoxes[i]->replaceText(*record.body);
+            controls.body->replaceText(*record.body);
         }
     }
-    return loaded.ok;
+    return loaded.ok ? std::string() : loaded.reason;
 }
 
 }  // namespace lorekeep::editor

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <iosfwd>
 #include <string>
 
 #include "editor/controls.hpp"
@@ -12,26 +13,39 @@
 
 namespace lorekeep::editor {
 
-// Eight rich-text boxes: the four language editors, then their preview panes.
-inline constexpr int kRichTextBoxCount = 8;
-inline constexpr int kPreviewIndexOffset = 4;
-inline constexpr int kColourBoxesPerLanguage = 3;
+inline constexpr int kColourBoxesPerLanguage = 3;  // red, green, blue
+
+// The controls of one language that the behaviour reads or writes.
+struct LanguageControls {
+    EditorBox* body = nullptr;         // rtbText(i), the language's editor
+    PreviewPane* preview = nullptr;    // rtbText(4 + i), as it shows the preview
+    EditorBox* previewText = nullptr;  // the same pane, as a box that can be typed into
+    TextBox* title = nullptr;
+    std::array<TextBox*, kColourBoxesPerLanguage> colourBoxes{};
+    Button* colourButton = nullptr;
+    Button* okButton = nullptr;
+};
 
 // Every control of the main window that the behaviour reads or writes.
 struct WindowControls {
-    std::array<EditorBox*, kRichTextBoxCount> richTextBoxes{};  // editors, then preview panes
-    std::array<PreviewPane*, kLanguageCount> previewPanes{};    // the same panes, as panes
-    std::array<TextBox*, kLanguageCount> titleBoxes{};
-    std::array<TextBox*, kLanguageCount * kColourBoxesPerLanguage> colourBoxes{};
-    std::array<Button*, kLanguageCount> colourButtons{};
-    std::array<Button*, kLanguageCount> okButtons{};
+    std::array<LanguageControls, kLanguageCount> languages{};
     TextBox* folderBox = nullptr;
     TextBox* nameBox = nullptr;
     FontBox* fontBox = nullptr;
     MessageBox* messages = nullptr;
     FileDialog* fileDialog = nullptr;
     const Clock* clock = nullptr;
+    // Where the reason of a failed save or load goes (the message boxes say
+    // only what the user is told); none for nowhere.
+    std::ostream* diagnostics = nullptr;
+
+    LanguageControls& of(Language language) {
+        return languages[static_cast<std::size_t>(indexOf(language))];
+    }
 };
+
+// Which of a language's two rich-text boxes an event comes from.
+enum class Box { Body, Preview };
 
 // The marker buttons' state of one language. At most one justification is on.
 struct MarkerState {
@@ -42,7 +56,7 @@ struct MarkerState {
 };
 
 // The window's behaviour, event by event. The window owns one and routes
-// every handled event to it with the index of the control that raised it.
+// every handled event to it with the language of the control that raised it.
 class SchemaEditor {
   public:
     explicit SchemaEditor(WindowControls controls) : m_controls(controls) {}
@@ -50,28 +64,29 @@ class SchemaEditor {
     // Returns the negation of a truth value; flips the marker flags.
     static constexpr bool toggle(bool data) { return !data; }
 
-    // The text of rich-text box `box` changed: an editor (0..3) refreshes its
-    // language's preview at once; a preview pane's own changes do nothing.
-    void textChanged(int box);
+    // A language's body changed by `change`, or, when the box cannot name
+    // the change, in some way: the language's preview follows at once. (A
+    // preview pane's own changes are no event.)
+    void bodyChanged(Language language, const std::optional<TextChange>& change);
 
-    // A character typed into rich-text box `box` (0..7), before it is
-    // inserted. Enter (13) writes a break marker instead and is suppressed by
-    // setting the code to 0; every other code passes unchanged.
-    void characterTyped(int box, int& code);
+    // A character typed into one of a language's rich-text boxes, before it
+    // is inserted. Enter (13) writes a break marker instead and is suppressed
+    // by setting the code to 0; every other code passes unchanged.
+    void characterTyped(Language language, Box box, int& code);
 
     // Splices a marker into the language's editor at the caret, gives the
     // editor the focus and puts the caret directly behind the marker.
-    void insertAtCaret(int language, TextView marker);
+    void insertAtCaret(Language language, TextView marker);
 
     // The marker buttons of one language.
-    void leftJustifyClicked(int language);
-    void centreClicked(int language);
-    void rightJustifyClicked(int language);
-    void colourClicked(int language);
-    void okClicked(int language);
+    void leftJustifyClicked(Language language);
+    void centreClicked(Language language);
+    void rightJustifyClicked(Language language);
+    void colourClicked(Language language);
+    void okClicked(Language language);
 
     // Copies the language's body over the other three.
-    void copyClicked(int language);
+    void copyClicked(Language language);
 
     // The file buttons: pick a location; save; load.
     void locationClicked();
@@ -97,12 +112,26 @@ class SchemaEditor {
     void load(TextView schemaName, TextView schemaFolder);
 
     // The marker buttons' state of a language, for tests and the fuzzer.
-    const MarkerState& markerState(int language) const { return m_state[language]; }
+    const MarkerState& markerState(Language language) const { return stateOf(language).markers; }
 
   private:
+    // What the behaviour keeps of one language.
+    struct LanguageState {
+        MarkerState markers;
+        // The editor's text and its preview, kept in step change by change.
+        markup::IncrementalRenderer preview;
+        bool previewInStep = false;
+    };
+    LanguageState& stateOf(Language language) {
+        return m_languages[static_cast<std::size_t>(indexOf(language))];
+    }
+    const LanguageState& stateOf(Language language) const {
+        return m_languages[static_cast<std::size_t>(indexOf(language))];
+    }
+
     // One justification button: flips its own flag and, when that switches it
     // on, clears the first of the other two that is set and writes its marker.
-    void justify(int language, bool MarkerState::*own, bool MarkerState::*firstOther,
+    void justify(Language language, bool MarkerState::*own, bool MarkerState::*firstOther,
                  bool MarkerState::*secondOther, TextView marker);
     bool folderAndNameGiven();
     // Writes an edit's text and caret into an editor, unless the body would
@@ -111,14 +140,14 @@ class SchemaEditor {
     // Reads the file at `path` (UTF-8) into the controls; a failure shows its
     // one message.
     void loadFile(const std::string& path);
-    // Reads the file and applies it language by language; false on failure.
-    bool applyLoad(const std::string& path);
+    // Reads the file and applies it language by language; why it failed, or
+    // nothing.
+    std::string applyLoad(const std::string& path);
+    // One line on the diagnostics stream, beside the message box.
+    void diagnose(const std::string& what, const std::string& reason) const;
 
     WindowControls m_controls;
-    std::array<MarkerState, kLanguageCount> m_state{};
-    // Each editor's text and its preview, kept in step change by change.
-    std::array<markup::IncrementalRenderer, kLanguageCount> m_previews{};
-    std::array<bool, kLanguageCount> m_previewInStep{};
+    std::array<LanguageState, kLanguageCount> m_languages{};
 };
 
 }  // namespace lorekeep::editor

@@ -13,13 +13,30 @@ namespace lorekeep::tool {
 
 namespace {
 
-constexpr const char* kUsage =
+// "en|fr|de|it", or without English: the codes a command takes.
+std::string codes(bool withEnglish) {
+    std::string list;
+    for (const LanguageInfo& info : kLanguages) {
+        if (withEnglish || info.language != Language::English) {
+            list.append(list.empty() ? "" : "|").append(info.code);
+        }
+    }
+    return list;
+}
+
+const std::string kUsage =
     "Usage:\n"
     "  lorekeep-tool check [--format text|json] PATH...\n"
-    "  lorekeep-tool export --language fr|de|it [--template] PATH... -o FILE.po\n"
-    "  lorekeep-tool import [--dry-run] FILE.po PATH...\n"
-    "  lorekeep-tool render FILE.sch [--language en|fr|de|it] [-o FILE.html]\n"
-    "PATH is a .sch file or a folder searched for *.sch files.\n";
+    "  lorekeep-tool export -l|--language " +
+    codes(false) +
+    " [--template] PATH... -o|--output FILE.po\n"
+    "  lorekeep-tool import [-n|--dry-run] FILE.po PATH...\n"
+    "  lorekeep-tool render FILE.sch [-l|--language " +
+    codes(true) +
+    "] [-o|--output FILE.html]\n"
+    "  lorekeep-tool -h|--help|--version\n"
+    "PATH is a .sch file or a folder searched for *.sch files; -o - writes to standard\n"
+    "output; -- ends the options.\n";
 
 constexpr int kUsageError = 2;
 
@@ -143,7 +160,8 @@ int exportCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
     const auto language = a.language ? languageFromCode(*a.language) : std::nullopt;
     if (!language || *language == Language::English || !a.output || a.positional.empty() ||
         a.format || a.dryRun) {
-        return usageError(err, "export needs --language fr|de|it, paths and -o FILE.po");
+        return usageError(err,
+                          "export needs --language " + codes(false) + ", paths and -o FILE.po");
     }
     bool missing = false;
     const std::vector<SchemaFile> files = schemas(a.positional, err, missing);
@@ -163,9 +181,10 @@ int importCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
 }
 
 int render(const Arguments& a, std::ostream& out, std::ostream& err) {
-    const auto language = languageFromCode(a.language.value_or("en"));
+    const auto language =
+        languageFromCode(a.language.value_or(std::string(infoOf(Language::English).code)));
     if (a.positional.size() != 1 || !language || a.format || a.templateOnly || a.dryRun) {
-        return usageError(err, "render needs one schema file and --language en|fr|de|it");
+        return usageError(err, "render needs one schema file and --language " + codes(true));
     }
     const std::string& path = a.positional[0];
     std::string why;

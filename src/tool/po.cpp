@@ -526,6 +526,18 @@ void importInto(const SchemaFile& file, std::vector<Translation> translations, L
     }
 }
 
+// "fr, de or it": the languages a PO file may translate to.
+std::string translatedCodes() {
+    std::string list;
+    for (std::size_t k = 1; k < kLanguages.size(); ++k) {
+        list.append(k == 1                       ? ""
+                    : k + 1 == kLanguages.size() ? " or "
+                                                 : ", ")
+            .append(kLanguages[k].code);
+    }
+    return list;
+}
+
 bool isUtf8(const std::optional<std::string>& contentType) {
     if (!contentType) {
         return false;
@@ -651,8 +663,8 @@ ImportCounts importPo(const std::string& poFile, const std::vector<SchemaFile>& 
     const auto language = languageFromCode(code);
     if (!language || *language == Language::English) {
         out << "lorekeep-tool: " << poFile << ": the header's Language "
-            << (code.empty() ? "is missing" : "is " + code)
-            << "; it must be fr, de or it; nothing applied\n";
+            << (code.empty() ? "is missing" : "is " + code) << "; it must be " << translatedCodes()
+            << "; nothing applied\n";
         return refusedWhole;
     }
 

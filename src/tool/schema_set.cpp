@@ -96,18 +96,6 @@ std::vector<SchemaFile> onePerFile(std::vector<SchemaFile> found) {
 
 }  // namespace
 
-std::optional<Language> languageFromCode(std::string_view code) {
-    for (Language language : kAllLanguages) {
-        const std::string_view known = kLanguageCodes[indexOf(language)];
-        if (code.substr(0, known.size()) == known &&
-            (code.size() == known.size() || code[known.size()] == '_' ||
-             code[known.size()] == '-' || code[known.size()] == '.')) {
-            return language;
-        }
-    }
-    return std::nullopt;
-}
-
 std::vector<SchemaFile> findSchemas(const std::vector<std::string>& paths,
                                     std::vector<PathProblem>& problems) {
     std::vector<SchemaFile> found;

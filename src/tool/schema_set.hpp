@@ -14,16 +14,9 @@
 // hold after loading one of them.
 namespace lorekeep::tool {
 
-// The language codes of the command line and of PO files, in language order.
-inline constexpr std::array<std::string_view, kLanguageCount> kLanguageCodes{"en", "fr", "de",
-                                                                             "it"};
-
 inline std::string languageCode(Language language) {
-    return std::string(kLanguageCodes[indexOf(language)]);
+    return std::string(infoOf(language).code);
 }
-
-// "fr", or a PO file's "fr_FR": the language whose code it starts with.
-std::optional<Language> languageFromCode(std::string_view code);
 
 // One schema file, however many names the paths reach it by.
 struct SchemaFile {

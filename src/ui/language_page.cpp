@@ -69,7 +69,7 @@ LanguagePage::LanguagePage(int language, const layout::Grid& grid, QPoint offset
 PreviewPage::PreviewPage(int language, const layout::Grid& grid, QPoint offset, QWidget* parent)
     : QWidget(parent) {
     pane = layout::place(new RichTextBox(this), grid, layout::kPreviewPane,
-                         layout::indexedName("rtbText", editor::kPreviewIndexOffset + language),
+                         layout::indexedName("rtbText", kLanguageCount + language),
                          layout::kPreviewTips[language], offset);
     pane->setAccessibleName(languageName(language, layout::kPreviewName));
     // The game's page, whatever the desktop's theme: its default text is black.

@@ -10,6 +10,7 @@
 #include <QMimeData>
 #include <QShortcut>
 #include <filesystem>
+#include <iostream>
 
 #include "editor/texts.hpp"
 #include "schema/schema_document.hpp"
@@ -78,15 +79,15 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
 MainWindow::~MainWindow() {
     // The boxes outlive the window's behaviour by a moment while Qt deletes
     // the children; nothing they say then may reach it.
-    for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
+    for (int k = 0; k < 2 * kLanguageCount; ++k) {
         richTextBox(k)->disconnect(this);
         richTextBox(k)->onCharacterTyped = nullptr;
     }
 }
 
 RichTextBox* MainWindow::richTextBox(int k) const {
-    return k < editor::kPreviewIndexOffset ? languagePages[k]->bodyEditor
-                                           : previewPages[k - editor::kPreviewIndexOffset]->pane;
+    return k < kLanguageCount ? languagePages[k]->bodyEditor
+                              : previewPages[k - kLanguageCount]->pane;
 }
 
 void MainWindow::createControls(const layout::Grid& grid) {
@@ -219,7 +220,7 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 
 void MainWindow::setFocusOrder() {
     std::vector<QWidget*> order{folderBox, tabs->strip()};
-    for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
+    for (int k = 0; k < 2 * kLanguageCount; ++k) {
         order.push_back(richTextBox(k));
     }
     order.push_back(nameBox);
@@ -238,9 +239,11 @@ void MainWindow::setFocusOrder() {
     for (const LanguagePage* page : languagePages) {
         order.insert(order.end(), page->colourBoxes.begin(), page->colourBoxes.end());
     }
-    for (int i : {3, 2, 0, 1}) {
-        order.push_back(languagePages[i]->okButton);
+    std::array<QWidget*, kLanguageCount> okButtons{};
+    for (const LanguageInfo& info : kLanguages) {
+        okButtons[info.okButtonFocusPlace] = languagePages[indexOf(info.language)]->okButton;
     }
+    order.insert(order.end(), okButtons.begin(), okButtons.end());
     for (const LanguagePage* page : languagePages) {
         order.push_back(page->copyButton);
     }
@@ -260,17 +263,17 @@ editor::WindowControls MainWindow::controlInterfaces() {
         m_buttons.push_back(std::make_unique<PushButtonControl>(b));
         return m_buttons.back().get();
     };
-    for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
-        c.richTextBoxes[k] = richTextBox(k);
-    }
-    for (int i = 0; i < kLanguageCount; ++i) {
-        const LanguagePage& page = *languagePages[i];
-        c.previewPanes[i] = previewPages[i]->pane;
-        c.titleBoxes[i] = textBox(page.titleBox);
-        c.colourButtons[i] = button(page.colourButton);
-        c.okButtons[i] = button(page.okButton);
+    for (const Language language : kAllLanguages) {
+        const LanguagePage& page = *languagePages[indexOf(language)];
+        editor::LanguageControls& controls = c.of(language);
+        controls.body = page.bodyEditor;
+        controls.preview = previewPages[indexOf(language)]->pane;
+        controls.previewText = previewPages[indexOf(language)]->pane;
+        controls.title = textBox(page.titleBox);
+        controls.colourButton = button(page.colourButton);
+        controls.okButton = button(page.okButton);
         for (int b = 0; b < editor::kColourBoxesPerLanguage; ++b) {
-            c.colourBoxes[editor::kColourBoxesPerLanguage * i + b] = textBox(page.colourBoxes[b]);
+            controls.colourBoxes[b] = textBox(page.colourBoxes[b]);
         }
     }
     c.folderBox = textBox(folderBox);
@@ -280,23 +283,30 @@ editor::WindowControls MainWindow::controlInterfaces() {
     c.messages = m_messageBox.get();
     c.fileDialog = m_fileDialog.get();
     c.clock = &m_clock;
+    c.diagnostics = &std::cerr;
     return c;
 }
 
 void MainWindow::connectEvents() {
     using editor::SchemaEditor;
-    for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
-        connect(richTextBox(k), &QTextEdit::textChanged, this,
-                [this, k] { m_editor->textChanged(k); });
-        richTextBox(k)->onCharacterTyped = [this, k](int& code) {
-            m_editor->characterTyped(k, code);
+    for (const Language language : kAllLanguages) {
+        const LanguagePage& page = *languagePages[indexOf(language)];
+        RichTextBox* body = page.bodyEditor;
+        RichTextBox* pane = previewPages[indexOf(language)]->pane;
+        // The body's change goes down with the notification; a pane's own
+        // changes are no event.
+        connect(body, &QTextEdit::textChanged, this,
+                [this, language, body] { m_editor->bodyChanged(language, body->takeChange()); });
+        body->onCharacterTyped = [this, language](int& code) {
+            m_editor->characterTyped(language, editor::Box::Body, code);
         };
-    }
-    for (int i = 0; i < kLanguageCount; ++i) {
-        const LanguagePage& page = *languagePages[i];
-        auto route = [this, i](QPushButton* button, void (SchemaEditor::*handler)(int)) {
+        pane->onCharacterTyped = [this, language](int& code) {
+            m_editor->characterTyped(language, editor::Box::Preview, code);
+        };
+        auto route = [this, language](QPushButton* button,
+                                      void (SchemaEditor::*handler)(Language)) {
             connect(button, &QPushButton::clicked, this,
-                    [this, i, handler] { ((*m_editor).*handler)(i); });
+                    [this, language, handler] { ((*m_editor).*handler)(language); });
         };
         route(page.leftJustifyButton, &SchemaEditor::leftJustifyClicked);
         route(page.centreButton, &SchemaEditor::centreClicked);

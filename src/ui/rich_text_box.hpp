@@ -37,7 +37,10 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
     std::size_t caretPosition() const override;
     void setCaretPosition(std::size_t position) override;
     void giveFocus() override;
-    std::optional<editor::TextChange> takeChange() override;
+
+    // The one change since the last call, or nothing when the box cannot
+    // tell (then the whole text may differ).
+    std::optional<editor::TextChange> takeChange();
 
     // editor::PreviewPane: the document built in one pass, or changed only
     // where the preview changed.

@@ -33,7 +33,7 @@ void runPresses(const std::vector<Press>& presses) {
     prepare(w, 2, u"ab", 1);
     for (std::size_t n = 0; n < presses.size(); ++n) {
         const Press& p = presses[n];
-        const std::map<char, void (SchemaEditor::*)(int)> buttons{
+        const std::map<char, void (SchemaEditor::*)(Language)> buttons{
             {'L', &SchemaEditor::leftJustifyClicked},
             {'C', &SchemaEditor::centreClicked},
             {'R', &SchemaEditor::rightJustifyClicked},
@@ -42,8 +42,8 @@ void runPresses(const std::vector<Press>& presses) {
         for (int c = 0; c < 3 && p.button == 'O'; ++c) {
             w.colourBoxes[6 + c].value = fromUtf8(p.boxes[c]);
         }
-        (w.editor.*buttons.at(p.button))(2);
-        const MarkerState& s = w.editor.markerState(2);
+        (w.editor.*buttons.at(p.button))(Language::German);
+        const MarkerState& s = w.editor.markerState(Language::German);
         EXPECT_LE(s.leftJustifyOn + s.centreOn + s.rightJustifyOn, 1) << "press " << n;
         EXPECT_EQ(s.colourOn, p.colourOn) << "press " << n;
         EXPECT_EQ(w.boxes[2].text, fromUtf8(p.text)) << "press " << n;
@@ -96,11 +96,11 @@ TEST(MarkerCommands, RefusedColourValuesChangeNothing) {
         for (int position = 0; position < 3; ++position) {
             FakeWindow w;
             prepare(w, 0, u"text", 2);
-            w.editor.colourClicked(0);
+            w.editor.colourClicked(Language::English);
             for (int c = 0; c < 3; ++c) {
                 w.colourBoxes[c].value = c == position ? fromUtf8(bad) : u"10";
             }
-            w.editor.okClicked(0);
+            w.editor.okClicked(Language::English);
             ASSERT_EQ(w.messages.shown.size(), 1u) << bad;
             EXPECT_EQ(w.messages.shown[0].text, texts::kColourOutOfRange);
             EXPECT_EQ(w.messages.shown[0].title, texts::kColourOutOfRangeTitle);
@@ -120,7 +120,8 @@ TEST(MarkerCommands, EnterIsSuppressedAndOtherCodesPass) {
         prepare(w, box, uR"(a\n<br>\n)", 9);
         for (int code : {10, 32, 0, 13}) {
             const int typed = code;
-            w.editor.characterTyped(box, code);
+            w.editor.characterTyped(Language(box % kLanguageCount),
+                                    box < kLanguageCount ? Box::Body : Box::Preview, code);
             EXPECT_EQ(code, typed == 13 ? 0 : typed);
         }
         EXPECT_EQ(w.boxes[box].text, uR"(a\n<p>\n)");

@@ -40,23 +40,17 @@ struct CountingClock final : Clock {
 struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     Text plainText() const override { return text; }
     void replaceRange(std::size_t start, std::size_t length, TextView value) override {
-        change = editor::TextChange{start, length, Text(value)};
         text.replace(start, length, value);
         caret = std::min(caret, text.size());
         ++replacements;
         if (onChange) {
-            onChange();
+            onChange(editor::TextChange{start, length, Text(value)});
         }
     }
     void beep() override {}
     std::size_t caretPosition() const override { return caret; }
     void setCaretPosition(std::size_t at) override { caret = std::min(at, text.size()); }
     void giveFocus() override { focused = true; }
-    // Every change is taken as soon as it is made: FakeWindow tells its
-    // editor of each one at once.
-    std::optional<editor::TextChange> takeChange() override {
-        return std::exchange(change, std::nullopt);
-    }
     void showPreview(const markup::RenderedPreview& value) override { preview = value; }
     // Patched as a real pane is, so that the commands' tests check the
     // patches too.
@@ -74,8 +68,7 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     bool focused = false;
     int replacements = 0;
     std::optional<markup::RenderedPreview> preview;  // what the pane last showed
-    std::optional<editor::TextChange> change;        // not yet taken
-    std::function<void()> onChange;
+    std::function<void(const editor::TextChange&)> onChange;
 };
 
 // A single-line text box or a button: whatever the commands set on it.
@@ -125,8 +118,10 @@ struct FakeFileDialog final : editor::FileDialog {
 // The whole window in memory, in its initial state.
 struct FakeWindow {
     FakeWindow() : editor(controls()) {
-        for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
-            boxes[k].onChange = [this, k] { editor.textChanged(k); };
+        for (const Language language : kAllLanguages) {
+            body(language).onChange = [this, language](const editor::TextChange& change) {
+                editor.bodyChanged(language, change);
+            };
         }
         for (FakeControl& box : colourBoxes) {
             box.setText(u"0");
@@ -145,20 +140,23 @@ struct FakeWindow {
                                  .messages = &messages,
                                  .fileDialog = &dialog,
                                  .clock = &clock};
-        for (int k = 0; k < editor::kRichTextBoxCount; ++k) {
-            c.richTextBoxes[k] = &boxes[k];
-        }
-        for (int k = 0; k < 12; ++k) {
-            c.colourBoxes[k] = &colourBoxes[k];
-        }
         for (int i = 0; i < kLanguageCount; ++i) {
-            c.previewPanes[i] = &boxes[editor::kPreviewIndexOffset + i];
-            c.titleBoxes[i] = &titles[i];
-            c.colourButtons[i] = &colourButtons[i];
-            c.okButtons[i] = &okButtons[i];
+            editor::LanguageControls& language = c.languages[i];
+            language.body = &boxes[i];
+            language.preview = &boxes[kLanguageCount + i];
+            language.previewText = &boxes[kLanguageCount + i];
+            language.title = &titles[i];
+            language.colourButton = &colourButtons[i];
+            language.okButton = &okButtons[i];
+            for (int b = 0; b < editor::kColourBoxesPerLanguage; ++b) {
+                language.colourBoxes[b] = &colourBoxes[editor::kColourBoxesPerLanguage * i + b];
+            }
         }
         return c;
     }
+
+    FakeRichTextBox& body(Language language) { return boxes[indexOf(language)]; }
+    FakeRichTextBox& pane(Language language) { return boxes[kLanguageCount + indexOf(language)]; }
 
     // Titles, bodies and the font as the window shows them.
     SchemaDocument document() const {
@@ -170,7 +168,7 @@ struct FakeWindow {
         return doc;
     }
 
-    std::array<FakeRichTextBox, editor::kRichTextBoxCount> boxes;  // rtbText(0..7)
+    std::array<FakeRichTextBox, 2 * kLanguageCount> boxes;  // rtbText(0..7)
     std::array<FakeControl, kLanguageCount> titles;
     std::array<FakeControl, 12> colourBoxes;  // "0" and disabled, as the window starts
     std::array<FakeControl, kLanguageCount> colourButtons;

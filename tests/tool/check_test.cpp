@@ -146,11 +146,11 @@ TEST(Check, AgreesWithTheColourCommandAndThePreview) {
         const bool numbers = n % 2 == 0;
         const std::array<Text, 3> typed{component(numbers), component(numbers), component(numbers)};
         testing::FakeWindow w;
-        w.editor.colourClicked(0);
+        w.editor.colourClicked(Language::English);
         for (int c = 0; c < 3; ++c) {
             w.colourBoxes[c].value = typed[c];
         }
-        w.editor.okClicked(0);
+        w.editor.okClicked(Language::English);
         const bool ok = w.messages.shown.empty();
         accepted += ok ? 1 : 0;
         const Text body = markup::colourMarker(typed[0], typed[1], typed[2]) + u"X";
