@@ -156,11 +156,16 @@ std::size_t nextRecordLine(TextView text, std::size_t from) {
 }
 
 // Whether the record starting at `start` and running to `end` is in the
-// writer's layout: its remainder opens with the font tag, which closes.
+// writer's layout, complete: the opening quote, the font tag and a closing
+// quote after it.
 bool inWriterLayout(TextView text, std::size_t start, std::size_t end) {
     const std::size_t remainder = std::min(remainderStart(text, start), end);
     const TextView rest = text.substr(remainder, end - remainder);
-    return rest.starts_with(markup::kFontOpen) && rest.find(markup::kTagEnd) != TextView::npos;
+    // Anything less is read by the field rules.
+    const bool opened = remainder > start && text[remainder - 1] == kQuote;
+    const std::size_t fontEnd = rest.find(markup::kTagEnd);
+    return opened && rest.starts_with(markup::kFontOpen) && fontEnd != TextView::npos &&
+           rest.find(kQuote, fontEnd) != TextView::npos;
 }
 
 // The header fields read and discarded, then the records gathered, by

@@ -8,10 +8,17 @@ namespace lorekeep::ui {
 
 namespace {
 
-// "German Red", "French title": what a screen reader calls a language's control.
+// "German Red", "French title": what a screen reader calls a language's box.
 QString languageName(int language, std::u16string_view what) {
     return QStringLiteral("%1 %2").arg(toQString(infoOf(Language(language)).tabCaption),
                                        toQString(what));
+}
+
+// "Center, English": a button is named by its caption and its language, as
+// every page has the same buttons.
+void nameButton(QPushButton* button, int language) {
+    button->setAccessibleName(QStringLiteral("%1, %2").arg(
+        button->text(), toQString(infoOf(Language(language)).tabCaption)));
 }
 
 }  // namespace
@@ -53,6 +60,12 @@ LanguagePage::LanguagePage(int language, const layout::Grid& grid, QPoint offset
     copyButton =
         button(layout::kCmdCopyCaption, layout::kCmdCopy, "cmdCopy", layout::kCmdCopyTips[i]);
 
+    for (QPushButton* b : {leftJustifyButton, rightJustifyButton, centreButton, colourButton,
+                           okButton, copyButton}) {
+        nameButton(b, i);
+    }
+    setAccessibleName(toQString(infoOf(Language(i)).tabCaption));
+
     titleLabel = layout::place(new QLabel(toQString(layout::kLabel3Caption), this), grid,
                                layout::kLabel3, layout::indexedName("Label3", i), {}, offset);
     titleBox = layout::place(new QLineEdit(this), grid, layout::kTxtTitle,
@@ -72,6 +85,8 @@ PreviewPage::PreviewPage(int language, const layout::Grid& grid, QPoint offset, 
                          layout::indexedName("rtbText", kLanguageCount + language),
                          layout::kPreviewTips[language], offset);
     pane->setAccessibleName(languageName(language, layout::kPreviewName));
+    pane->setCopiesFormatting(true);
+    setAccessibleName(toQString(infoOf(Language(language)).previewCaption));
     // The game's page, whatever the desktop's theme: its default text is black.
     QPalette page = pane->palette();
     page.setColor(QPalette::Base, layout::kPreviewPageColour);

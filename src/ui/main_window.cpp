@@ -4,10 +4,12 @@
 #include <QAccessibleWidget>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QKeySequence>
 #include <QMimeData>
+#include <QScreen>
 #include <QShortcut>
 #include <filesystem>
 #include <iostream>
@@ -56,7 +58,7 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
     setWindowTitle(toQString(texts::kWindowCaption));
     // Laid out for the font the controls will use; the window is created
     // once, so a later change of the desktop's font shows at the next start.
-    const layout::Grid grid = layout::Grid::forFont(font());
+    const layout::Grid grid = gridThatFits();
     setFixedSize(grid.toPixels(layout::kClientArea).size());
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                    Qt::WindowCloseButtonHint);
@@ -83,6 +85,37 @@ MainWindow::~MainWindow() {
         richTextBox(k)->disconnect(this);
         richTextBox(k)->onCharacterTyped = nullptr;
     }
+}
+
+layout::Grid MainWindow::gridThatFits() {
+    // Room for the title bar and borders, which the window does not know
+    // before it is shown.
+    constexpr QSize kDecorations(16, 48);
+    layout::Grid grid = layout::Grid::forFont(font());
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr) {
+        return grid;
+    }
+    // A window larger than the screen cannot be used: where the desktop's
+    // font would make it so, the window takes a font small enough to fit.
+    const QSize room = screen->availableGeometry().size() - kDecorations;
+    for (int step = 0; step < 100; ++step) {
+        const QSize needed = grid.toPixels(layout::kClientArea).size();
+        if (needed.width() <= room.width() && needed.height() <= room.height()) {
+            break;
+        }
+        QFont smaller = font();
+        if (smaller.pointSizeF() > 1) {
+            smaller.setPointSizeF(smaller.pointSizeF() * 0.95);
+        } else if (smaller.pixelSize() > 1) {
+            smaller.setPixelSize(smaller.pixelSize() - 1);
+        } else {
+            break;
+        }
+        setFont(smaller);
+        grid = layout::Grid::forFont(font());
+    }
+    return grid;
 }
 
 RichTextBox* MainWindow::richTextBox(int k) const {

@@ -69,6 +69,9 @@ class MainWindow : public QWidget {
     // Takes a drop of one schema file anywhere on the window and refuses any
     // other drop of files, so that no text box ever types a file's address.
     bool filterFileDrop(QEvent* event);
+    // The grid for the desktop's font, or for a smaller font that the window
+    // then takes, so that the window fits the screen.
+    layout::Grid gridThatFits();
     void createControls(const layout::Grid& grid);
     void silenceInheritedTooltips();
     void setFocusOrder();

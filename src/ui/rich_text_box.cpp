@@ -9,7 +9,9 @@
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextDocumentFragment>
 #include <QTextLayout>
+#include <utility>
 
 #include "editor/schema_editor.hpp"
 #include "ui/qt_text.hpp"
@@ -278,6 +280,7 @@ void RichTextBox::replaceRange(std::size_t start, std::size_t length, TextView t
     // One edit block: one undo step and one text-changed notification. The
     // block that holds `start` keeps its own start's character; each new
     // block records its own.
+    m_newUndoStep = true;
     QTextCursor cursor(document());
     cursor.beginEditBlock();
     cursor.setPosition(static_cast<int>(start));
@@ -488,12 +491,15 @@ void RichTextBox::replaceSelection(TextView text) {
 }
 
 QMimeData* RichTextBox::createMimeDataFromSelection() const {
-    // The exact characters only: the toolkit's own copy, formatted or not,
-    // would make every block end a line break.
+    // The exact characters as text: the toolkit's own plain copy would make
+    // every block end a line break.
     auto* mime = new QMimeData;
     const QTextCursor selection = textCursor();
     mime->setText(toQString(textBetween(static_cast<std::size_t>(selection.selectionStart()),
                                         static_cast<std::size_t>(selection.selectionEnd()))));
+    if (m_copiesFormatting) {
+        mime->setHtml(QTextDocumentFragment(selection).toHtml());
+    }
     return mime;
 }
 
@@ -561,6 +567,7 @@ void RichTextBox::keyPressEvent(QKeyEvent* event) {
     }
     if (!isCharacter || !onCharacterTyped || (shortcut && !enter)) {
         QTextEdit::keyPressEvent(event);
+        m_newUndoStep = true;  // a deletion, a move: typing after it is a step of its own
         return;
     }
     if (!enter && length() - selectionLength() >= kMaxBodyLength) {
@@ -575,12 +582,23 @@ void RichTextBox::keyPressEvent(QKeyEvent* event) {
         event->accept();
         return;
     }
+    // The toolkit merges typing into the edit before it when they touch; an
+    // edit block of its own keeps the first character typed after another
+    // edit apart (the characters typed after it still join it).
+    QTextCursor step(document());
+    const bool ownStep = std::exchange(m_newUndoStep, false);
+    if (ownStep) {
+        step.beginEditBlock();
+    }
     if (code == original) {
         QTextEdit::keyPressEvent(event);
-        return;
+    } else {
+        insertPlainText(QString(QChar(static_cast<char16_t>(code))));
+        event->accept();
     }
-    insertPlainText(QString(QChar(static_cast<char16_t>(code))));
-    event->accept();
+    if (ownStep) {
+        step.endEditBlock();
+    }
 }
 
 }  // namespace lorekeep::ui

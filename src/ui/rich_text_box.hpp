@@ -48,6 +48,10 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
     void showPreviewChange(const markup::PreviewPatch& patch,
                            const std::function<markup::RenderedPreview()>& whole) override;
 
+    // A copy of a selection carries its formatting (HTML, with its colours
+    // and alignments) beside the exact text, as a preview pane's does.
+    void setCopiesFormatting(bool copies) { m_copiesFormatting = copies; }
+
     // The colour of the character at a position; invalid for the default colour.
     QColor characterColour(std::size_t position) const;
     markup::Alignment paragraphAlignment(int paragraph) const;
@@ -94,6 +98,9 @@ class RichTextBox : public QTextEdit, public editor::EditorBox, public editor::P
     // Some block end stands for a character that must be drawn.
     bool m_drawsBlockEnds = false;
     bool m_layoutSuspended = false;
+    // The next character typed starts an undo step of its own.
+    bool m_newUndoStep = true;
+    bool m_copiesFormatting = false;
 };
 
 }  // namespace lorekeep::ui

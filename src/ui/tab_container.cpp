@@ -64,6 +64,16 @@ class AccessibleTab final : public QAccessibleInterface, public QAccessibleActio
         return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
                                                     : nullptr;
     }
+    // A tab controls its page.
+    QList<QPair<QAccessibleInterface*, QAccessible::Relation>> relations(
+        QAccessible::Relation match) const override {
+        auto* container = m_strip ? qobject_cast<TabContainer*>(m_strip->parentWidget()) : nullptr;
+        QWidget* page = container != nullptr ? container->page(m_index) : nullptr;
+        if (page == nullptr || !(match & QAccessible::Controller)) {
+            return {};
+        }
+        return {{QAccessible::queryAccessibleInterface(page), QAccessible::Controller}};
+    }
 
     QStringList actionNames() const override { return {pressAction()}; }
     void doAction(const QString& name) override {

@@ -52,6 +52,7 @@ class TabContainer : public QWidget {
     // Adds the next page. Its children are placed in the container's own
     // coordinates less pageOffset(), the height of the tab band.
     void addPage(QWidget* page) { m_stack->addWidget(page); }
+    QWidget* page(int index) const { return m_stack->widget(index); }
     QPoint pageOffset() const { return {0, m_bandHeight}; }
 
     // Moves to the next or previous page, wrapping around.

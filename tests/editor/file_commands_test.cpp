@@ -110,6 +110,13 @@ TEST(FileCommands, RefusedCommandsChangeNothing) {
                       given ? (save ? texts::kSaveFailed : texts::kLoadFailed)
                             : texts::kFolderOrNameMissing);
             EXPECT_EQ(w.messages.shown[0].title, texts::kProgramTitle);
+            // Why, on one line of its own beside the message box.
+            const std::string why = w.diagnostics.str();
+            EXPECT_EQ(why.starts_with(save ? "lorekeep: cannot save " + folder + "/" + name
+                                           : "lorekeep: cannot load " + folder + "/" + name),
+                      given)
+                << why;
+            EXPECT_EQ(std::ranges::count(why, '\n'), given ? 1 : 0) << why;
             EXPECT_EQ(w.document(), before) << name;
             EXPECT_EQ(w.font.selected, 3) << name;
         }

@@ -1,23 +1,45 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <ctime>
+#include <string>
+
 #include "schema/date_stamp.hpp"
 #include "schema/windows1252.hpp"
 
 namespace lorekeep {
 namespace {
 
-TEST(DateStamp, PicksYearMonthAndDayByPositionInFixedWidths) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"14/03/2005", "2005-03-14"},
-        {"14.03.2005", "2005-03-14"},
-        {"31xx0x2026", "2026-x0-31"},  // separators are never looked at
-        {"14/03", "-03-14"},           // too short to hold a year: the pieces that exist
-    };
-    for (const auto& [input, stamp] : cases) {
-        EXPECT_EQ(formatDateStamp(fromUtf8(input)), fromUtf8(stamp));
-    }
+// The stamp's pieces keep their fixed widths, which the reader's positions
+// rely on: a dd.mm.yyyy date reads as the dd/mm/yyyy one.
+TEST(DateStamp, KeepsFixedWidths) {
+    EXPECT_EQ(formatDateStamp(u"14.03.2005"), u"2005-03-14");
     EXPECT_EQ(formatDateStamp(LocalDateTime{987, 1, 5, 0, 0, 0}), u"0987-01-05");
     EXPECT_EQ(formatTimeStamp(LocalDateTime{2005, 3, 14, 4, 5, 9}), u"04:05:09");
+}
+
+// The program's clock reads the local date and time of the moment: here in a
+// zone fourteen hours ahead of UTC, checked against UTC.
+TEST(DateStamp, TheSystemClockGivesTheLocalMoment) {
+    const char* zone = std::getenv("TZ");
+    const std::string saved = zone != nullptr ? zone : "";
+    setenv("TZ", "LKP-14", 1);  // POSIX writes the offset west of UTC
+    tzset();
+    const std::time_t before = std::time(nullptr);
+    const LocalDateTime now = SystemClock().now();
+    const std::time_t after = std::time(nullptr);
+    zone != nullptr ? setenv("TZ", saved.c_str(), 1) : unsetenv("TZ");
+    tzset();
+    std::tm shown{};
+    shown.tm_year = now.year - 1900;
+    shown.tm_mon = now.month - 1;
+    shown.tm_mday = now.day;
+    shown.tm_hour = now.hour;
+    shown.tm_min = now.minute;
+    shown.tm_sec = now.second;
+    const std::time_t read = timegm(&shown) - 14 * 3600;
+    EXPECT_TRUE(before <= read && read <= after) << read - before;
+    EXPECT_EQ(formatDateStamp(now).size() + formatTimeStamp(now).size(), 18u);
 }
 
 TEST(Windows1252, EveryCharacterOfTheCodePageBecomesItsByte) {

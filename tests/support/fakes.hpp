@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -139,7 +140,8 @@ struct FakeWindow {
                                  .fontBox = &font,
                                  .messages = &messages,
                                  .fileDialog = &dialog,
-                                 .clock = &clock};
+                                 .clock = &clock,
+                                 .diagnostics = &diagnostics};
         for (int i = 0; i < kLanguageCount; ++i) {
             editor::LanguageControls& language = c.languages[i];
             language.body = &boxes[i];
@@ -170,7 +172,8 @@ struct FakeWindow {
 
     std::array<FakeRichTextBox, 2 * kLanguageCount> boxes;  // rtbText(0..7)
     std::array<FakeControl, kLanguageCount> titles;
-    std::array<FakeControl, 12> colourBoxes;  // "0" and disabled, as the window starts
+    std::array<FakeControl, kLanguageCount * editor::kColourBoxesPerLanguage>
+        colourBoxes;  // "0" and disabled, as the window starts
     std::array<FakeControl, kLanguageCount> colourButtons;
     std::array<FakeControl, kLanguageCount> okButtons;  // disabled
     FakeControl folder, name;
@@ -178,6 +181,7 @@ struct FakeWindow {
     RecordingMessageBox messages;
     FakeFileDialog dialog;
     CountingClock clock;
+    std::ostringstream diagnostics;
     editor::SchemaEditor editor;
 };
 

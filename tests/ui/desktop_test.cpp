@@ -79,14 +79,21 @@ class DesktopTest : public QObject {
                 QVERIFY2(!name.isEmpty(), qPrintable(object->objectName()));
             }
         }
-        // Folder, name, 12 colour boxes, 4 titles, 8 rich-text boxes: all told apart.
+        // Folder, name, 12 colour boxes, 4 titles, 8 rich-text boxes: all told
+        // apart, and so are the buttons of the four pages.
         QCOMPARE(editableNames.size(), 26);
         QCOMPARE(QSet<QString>(editableNames.begin(), editableNames.end()).size(), 26);
+        QStringList buttonNames;
+        for (const QPushButton* button : w.findChildren<QPushButton*>()) {
+            buttonNames << names[button->objectName()];
+        }
+        QCOMPARE(QSet<QString>(buttonNames.begin(), buttonNames.end()).size(), buttonNames.size());
         for (const char* row :
              {"txtLoc=Schema File Folder", "txtName=Schema Name", "cboFont=Font",
               "cmdSave=Save Schema", "txtColor(7)=German Green", "txtTitle(3)=Italian title",
               "rtbText(1)=French text", "rtbText(4)=English preview",
-              "cmdLoc=Choose a schema location and name"}) {
+              "cmdLoc=Choose a schema location and name", "cmdCent(0)=Center, English",
+              "cmdOK(3)=OK, Italian", "cmdCopy(1)=Copy Text to all Other Languages, French"}) {
             const QStringList expected = QString::fromLatin1(row).split(u'=');
             QCOMPARE(names[expected[0]], expected[1]);
         }
@@ -117,6 +124,11 @@ class DesktopTest : public QObject {
             QCOMPARE(tab->parent(), strip);
             QCOMPARE(strip->indexOfChild(tab), k);
             QCOMPARE(strip->childAt(tab->rect().center().x(), tab->rect().center().y()), tab);
+            // The tab controls its page, which is named after it.
+            const auto controlled = tab->relations(QAccessible::Controller);
+            QCOMPARE(controlled.size(), 1);
+            QCOMPARE(controlled.front().first->object(), w.tabs->page(k));
+            QCOMPARE(controlled.front().first->text(QAccessible::Name), captions[k]);
         }
         QAccessibleInterface* germanParsed = strip->child(6);
         QAccessibleActionInterface* actions = germanParsed->actionInterface();
@@ -219,6 +231,26 @@ class DesktopTest : public QObject {
         for (const auto* box : w.findChildren<QLineEdit*>()) {
             QVERIFY2(metrics.height() <= box->height(), qPrintable(box->objectName()));
         }
+    }
+
+    // However large the desktop's font, the window fits the screen (frame
+    // included): it takes a smaller font where it must.
+    void windowFitsTheScreen_data() {
+        QTest::addColumn<qreal>("points");
+        QTest::newRow("14 pt") << 14.0;
+        QTest::newRow("24 pt") << 24.0;
+    }
+    void windowFitsTheScreen() {
+        QFETCH(qreal, points);
+        QFont font(QStringLiteral("DejaVu Sans"));
+        font.setPointSizeF(points);
+        QApplication::setFont(font);
+        MainWindow& w = shownWindow();
+        const QSize room = w.screen()->availableGeometry().size();
+        QVERIFY2(w.frameGeometry().width() <= room.width() &&
+                     w.frameGeometry().height() <= room.height(),
+                 qPrintable(QStringLiteral("%1 x %2").arg(w.width()).arg(w.height())));
+        QVERIFY(w.width() * 9 >= 421 * std::min(points, 12.0) - 9);  // no smaller than need be
     }
 };
 

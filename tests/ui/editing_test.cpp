@@ -1,3 +1,4 @@
+#include <QClipboard>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <random>
@@ -88,6 +89,65 @@ class EditingTest : public QObject {
             QCOMPARE(text(editor), expected);
             QCOMPARE(text(m_window->richTextBox(4)), rendered(editor));
         }
+    }
+
+    // Typing after a command, a copy, a load or a deleted selection is an undo
+    // step of its own: Ctrl+Z takes back the typing, then the edit before it,
+    // never to a text that was never there.
+    void typingAfterAnEditIsItsOwnUndoStep() {
+        MainWindow& w = *m_window;
+        QTemporaryDir dir;
+        RichTextBox* english = w.richTextBox(0);
+        RichTextBox* french = w.richTextBox(1);
+        english->replaceText(u"Hello");
+        w.save("undo", dir.path());
+        const std::tuple<const char*, RichTextBox*, std::function<void()>> edits[] = {
+            {"command", english,
+             [&] { QTest::mouseClick(w.languagePages[0]->centreButton, Qt::LeftButton); }},
+            {"copy", french,
+             [&] { QTest::mouseClick(w.languagePages[0]->copyButton, Qt::LeftButton); }},
+            {"load", english, [&] { w.load("undo", dir.path()); }},
+            {"deleted selection", english,
+             [&] {
+                 english->selectAll();
+                 QTest::keyClick(english, Qt::Key_Delete);
+             }},
+        };
+        for (const auto& [what, box, edit] : edits) {
+            const QString before = text(box);
+            edit();
+            const QString edited = text(box);
+            QVERIFY2(edited != before, what);
+            box->setFocus();
+            box->moveCursor(QTextCursor::End);
+            QTest::keyClicks(box, "xy");
+            QCOMPARE(text(box), edited + "xy");
+            QTest::keyClick(box, Qt::Key_Z, Qt::ControlModifier);
+            QVERIFY2(text(box) == edited, what);
+            QTest::keyClick(box, Qt::Key_Z, Qt::ControlModifier);
+            QVERIFY2(text(box) == before, what);
+            QTest::keyClick(box, Qt::Key_Y, Qt::ControlModifier);
+            QTest::keyClick(box, Qt::Key_Y, Qt::ControlModifier);
+            QVERIFY2(text(box) == edited + "xy", what);
+            QCOMPARE(text(w.richTextBox(box == english ? 4 : 5)), rendered(box));
+        }
+    }
+
+    // A copy from a preview pane carries the exact text and the formatted
+    // text (its colours and alignment); a copy from an editor plain text only.
+    void copyingFromAPreviewKeepsItsFormatting() {
+        RichTextBox* editor = m_window->richTextBox(0);
+        RichTextBox* pane = m_window->richTextBox(4);
+        editor->replaceText(u"\\n<jc>\\n\\n<dc=255,128,0>\\nGold\\n<br>\\nend");
+        for (RichTextBox* box : {editor, pane}) {
+            box->selectAll();
+            box->copy();
+            const QMimeData* copied = QApplication::clipboard()->mimeData();
+            QCOMPARE(copied->text(), text(box));
+            QCOMPARE(copied->hasHtml(), box == pane);
+        }
+        const QString html = QApplication::clipboard()->mimeData()->html();
+        QVERIFY2(html.contains("#ff8000") && html.contains("align=\"center\""), qPrintable(html));
     }
 
     // A schema file handed over by path (the command line, a file manager) or
