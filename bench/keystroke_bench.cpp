@@ -9,6 +9,7 @@
 //   space and one made only of markers.
 #include <benchmark/benchmark.h>
 
+#include <malloc.h>
 #include <QApplication>
 #include <QClipboard>
 #include <QFileInfo>
@@ -16,7 +17,6 @@
 #include <QMimeData>
 #include <QTemporaryDir>
 #include <QTextEdit>
-#include <malloc.h>
 
 #include <array>
 #include <fstream>
@@ -85,7 +85,7 @@ void BM_KeystrokeToPreview(benchmark::State& state) {
     const auto length = static_cast<std::size_t>(state.range(0));
     MainWindow window;
     window.show();
-    auto* editor = window.richTextBox(0);
+    auto* editor = window.bodyEditor(lorekeep::Language(0));
     editor->replaceText(lorekeep::bench::markedUpBody(length));
     // The preview looked at once, as a modder does, before going on typing.
     window.tabs->setCurrentIndex(4);
@@ -93,8 +93,8 @@ void BM_KeystrokeToPreview(benchmark::State& state) {
     window.tabs->setCurrentIndex(0);
     editor->setFocus();
     typeAndTakeBack(state, editor, state.range(1) == kAtEnd ? length : length / 2);
-    state.counters["preview_chars"] =
-        static_cast<double>(window.richTextBox(4)->document()->characterCount() - 1);
+    state.counters["preview_chars"] = static_cast<double>(
+        window.previewPane(lorekeep::Language(0))->document()->characterCount() - 1);
 }
 
 // The toolkit's own editor with the same text, as setPlainText leaves it.
@@ -148,7 +148,8 @@ void BM_LoadFourBodies(benchmark::State& state) {
         state.PauseTiming();
         peak = statusMegabytes("VmHWM:") - before;
         held = heapMegabytes() - heapBefore;
-        if (window->richTextBox(3)->document()->characterCount() - 1 != static_cast<int>(length)) {
+        if (window->bodyEditor(lorekeep::Language(3))->document()->characterCount() - 1 !=
+            static_cast<int>(length)) {
             state.SkipWithError("the file did not load");
         }
         window.reset();
@@ -234,7 +235,7 @@ void BM_PasteBody(benchmark::State& state) {
         window->show();
         QApplication::processEvents();
         state.ResumeTiming();
-        window->richTextBox(0)->paste();
+        window->bodyEditor(lorekeep::Language(0))->paste();
         QApplication::processEvents();
         state.PauseTiming();
         window.reset();

@@ -14,10 +14,34 @@
 
 namespace {
 
+// Where --goto puts the caret once the file is open.
+struct Place {
+    lorekeep::Language language;
+    bool title;
+    std::size_t position;
+};
+
+// "French:body:120", "fr:title:0": a finding's place as lorekeep-tool names it.
+std::optional<Place> readPlace(const QString& text) {
+    const QStringList parts = text.split(u':');
+    if (parts.size() != 3) {
+        return std::nullopt;
+    }
+    const auto language = lorekeep::languageFromName(parts[0].toStdString());
+    bool number = false;
+    const qulonglong position = parts[2].toULongLong(&number);
+    const QString field = parts[1].toLower();
+    if (!language || !number || (field != u"body" && field != u"title")) {
+        return std::nullopt;
+    }
+    return Place{*language, field == u"title", static_cast<std::size_t>(position)};
+}
+
 // Reads the command line: nothing, or the one schema file to open. Returns
 // the exit status when the program ends here (help, version, a usage error).
 // Needs no display, so `lorekeep --help` answers anywhere.
-std::optional<int> readCommandLine(int argc, char* argv[], QString& file) {
+std::optional<int> readCommandLine(int argc, char* argv[], QString& file,
+                                   std::optional<Place>& place) {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(lorekeep::ui::toQString(lorekeep::texts::kProgramTitle));
     QCoreApplication::setApplicationVersion(QStringLiteral(LOREKEEP_VERSION));
@@ -35,6 +59,12 @@ std::optional<int> readCommandLine(int argc, char* argv[], QString& file) {
         option.setFlags(QCommandLineOption::HiddenFromHelp);
         parser.addOption(option);
     }
+    const QCommandLineOption goTo(
+        QStringLiteral("goto"),
+        QStringLiteral("Once the file is open, put the caret at a place as lorekeep-tool check "
+                       "names it: LANGUAGE:FIELD:POSITION, for example French:body:120."),
+        QStringLiteral("place"));
+    parser.addOption(goTo);
     parser.addPositionalArgument(QStringLiteral("file"),
                                  QStringLiteral("A schema file (.sch) to open."),
                                  QStringLiteral("[file]"));
@@ -51,6 +81,14 @@ std::optional<int> readCommandLine(int argc, char* argv[], QString& file) {
             parsed ? QStringLiteral("Give at most one schema file.") : parser.errorText();
         std::fprintf(stderr, "lorekeep: %s\n%s", qPrintable(error), qPrintable(parser.helpText()));
         return 2;
+    }
+    if (parser.isSet(goTo)) {
+        place = readPlace(parser.value(goTo));
+        if (!place || parser.positionalArguments().isEmpty()) {
+            std::fprintf(stderr,
+                         "lorekeep: --goto needs a file and a place such as English:body:0\n");
+            return 2;
+        }
     }
     file = parser.positionalArguments().value(0);
     // Qt decodes a file name that is not valid UTF-8 with losses; the core's
@@ -96,7 +134,8 @@ int main(int argc, char* argv[]) {
     std::signal(SIGXFSZ, SIG_IGN);
 
     QString file;
-    if (const auto status = readCommandLine(argc, argv, file)) {
+    std::optional<Place> place;
+    if (const auto status = readCommandLine(argc, argv, file, place)) {
         return *status;
     }
     QApplication app(argc, argv);
@@ -107,7 +146,12 @@ int main(int argc, char* argv[]) {
     window.show();
     if (!file.isEmpty()) {
         // Once the window is up, so that a failed load's message stands over it.
-        QTimer::singleShot(0, &window, [&window, file] { window.openFile(file); });
+        QTimer::singleShot(0, &window, [&window, file, place] {
+            window.openFile(file);
+            if (place) {
+                window.goTo(place->language, place->title, place->position);
+            }
+        });
     }
     return QApplication::exec();
 }

@@ -221,7 +221,7 @@ void SchemaEditor::loadClicked() {
 }
 
 void SchemaEditor::save(TextView schemaName, TextView schemaFolder) {
-    FileResult saved{false, "out of memory"};
+    FileResult saved{false, "a control could not give its text"};
     try {
         SchemaDocument document;
         document.name = Text(schemaName);
@@ -233,8 +233,10 @@ void SchemaEditor::save(TextView schemaName, TextView schemaFolder) {
         }
         // One reading of the clock: all four records carry the same stamp.
         saved = saveSchema(document, m_controls.clock->now());
+    } catch (const std::bad_alloc&) {
+        saved.reason = "out of memory";  // a body too big to gather
     } catch (...) {
-        // A body too big to gather, or a control that failed: the one message.
+        // A control that failed: the one message all the same.
     }
     if (!saved) {
         diagnose("cannot save " + schemaFilePath(schemaFolder, schemaName), saved.reason);

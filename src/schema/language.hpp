@@ -64,4 +64,21 @@ constexpr std::optional<Language> languageFromCode(std::string_view code) {
     return std::nullopt;
 }
 
+// "en", "English" or "english": the language with that code or tab
+// caption, as lorekeep-tool's findings name it.
+constexpr std::optional<Language> languageFromName(std::string_view name) {
+    const auto lower = [](char32_t c) { return c >= U'A' && c <= U'Z' ? c + (U'a' - U'A') : c; };
+    for (const LanguageInfo& info : kLanguages) {
+        const std::u16string_view caption = info.tabCaption;
+        bool same = name.size() == caption.size();
+        for (std::size_t k = 0; same && k < name.size(); ++k) {
+            same = lower(static_cast<unsigned char>(name[k])) == lower(caption[k]);
+        }
+        if (same || name == info.code) {
+            return info.language;
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace lorekeep

@@ -74,7 +74,7 @@ LanguagePage::LanguagePage(int language, const layout::Grid& grid, QPoint offset
     titleBox->setAccessibleName(languageName(i, layout::kTitleName));
     titleBox->setMaxLength(static_cast<int>(kMaxTitleLength));
 
-    bodyEditor = layout::place(new RichTextBox(this), grid, layout::kLanguageEditor,
+    bodyEditor = layout::place(new PlainTextBox(this), grid, layout::kLanguageEditor,
                                layout::indexedName("rtbText", i), layout::kEditorTip, offset);
     bodyEditor->setAccessibleName(languageName(i, layout::kEditorName));
 }

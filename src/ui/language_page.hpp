@@ -7,6 +7,7 @@
 
 #include "editor/schema_editor.hpp"
 #include "ui/rich_text_box.hpp"
+#include "ui/text_box.hpp"
 #include "ui/window_layout.hpp"
 
 namespace lorekeep::ui {
@@ -31,7 +32,7 @@ class LanguagePage : public QWidget {
     QPushButton* copyButton;
     QLabel* titleLabel;
     QLineEdit* titleBox;
-    RichTextBox* bodyEditor;
+    PlainTextBox* bodyEditor;
 };
 
 // One language's preview page: the pane rtbText(4 + language).

@@ -81,9 +81,11 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
 MainWindow::~MainWindow() {
     // The boxes outlive the window's behaviour by a moment while Qt deletes
     // the children; nothing they say then may reach it.
-    for (int k = 0; k < 2 * kLanguageCount; ++k) {
-        richTextBox(k)->disconnect(this);
-        richTextBox(k)->onCharacterTyped = nullptr;
+    for (const Language language : kAllLanguages) {
+        bodyEditor(language)->disconnect(this);
+        bodyEditor(language)->onCharacterTyped = nullptr;
+        previewPane(language)->disconnect(this);
+        previewPane(language)->onCharacterTyped = nullptr;
     }
 }
 
@@ -99,16 +101,19 @@ layout::Grid MainWindow::gridThatFits() {
     // A window larger than the screen cannot be used: where the desktop's
     // font would make it so, the window takes a font small enough to fit.
     const QSize room = screen->availableGeometry().size() - kDecorations;
-    for (int step = 0; step < 100; ++step) {
+    // At the standard font the window has its smallest size: a smaller font
+    // would only make it harder to read.
+    for (int step = 0; step < 100 && layout::pointSize(font()) > layout::kDefaultPointSize;
+         ++step) {
         const QSize needed = grid.toPixels(layout::kClientArea).size();
         if (needed.width() <= room.width() && needed.height() <= room.height()) {
             break;
         }
         QFont smaller = font();
         if (smaller.pointSizeF() > 1) {
-            smaller.setPointSizeF(smaller.pointSizeF() * 0.95);
+            smaller.setPointSizeF(std::max(layout::kDefaultPointSize, smaller.pointSizeF() * 0.95));
         } else if (smaller.pixelSize() > 1) {
-            smaller.setPixelSize(smaller.pixelSize() - 1);
+            smaller.setPixelSize(std::max(12, smaller.pixelSize() - 1));  // 9 pt at 96 dpi
         } else {
             break;
         }
@@ -118,9 +123,12 @@ layout::Grid MainWindow::gridThatFits() {
     return grid;
 }
 
-RichTextBox* MainWindow::richTextBox(int k) const {
-    return k < kLanguageCount ? languagePages[k]->bodyEditor
-                              : previewPages[k - kLanguageCount]->pane;
+PlainTextBox* MainWindow::bodyEditor(Language language) const {
+    return languagePages[indexOf(language)]->bodyEditor;
+}
+
+RichTextBox* MainWindow::previewPane(Language language) const {
+    return previewPages[indexOf(language)]->pane;
 }
 
 void MainWindow::createControls(const layout::Grid& grid) {
@@ -253,8 +261,12 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 
 void MainWindow::setFocusOrder() {
     std::vector<QWidget*> order{folderBox, tabs->strip()};
-    for (int k = 0; k < 2 * kLanguageCount; ++k) {
-        order.push_back(richTextBox(k));
+    // rtbText(0..7): the four editors, then the four panes.
+    for (const Language language : kAllLanguages) {
+        order.push_back(bodyEditor(language));
+    }
+    for (const Language language : kAllLanguages) {
+        order.push_back(previewPane(language));
     }
     order.push_back(nameBox);
     const LanguagePage& english = *languagePages[0];
@@ -324,11 +336,11 @@ void MainWindow::connectEvents() {
     using editor::SchemaEditor;
     for (const Language language : kAllLanguages) {
         const LanguagePage& page = *languagePages[indexOf(language)];
-        RichTextBox* body = page.bodyEditor;
+        PlainTextBox* body = page.bodyEditor;
         RichTextBox* pane = previewPages[indexOf(language)]->pane;
         // The body's change goes down with the notification; a pane's own
         // changes are no event.
-        connect(body, &QTextEdit::textChanged, this,
+        connect(body, &QPlainTextEdit::textChanged, this,
                 [this, language, body] { m_editor->bodyChanged(language, body->takeChange()); });
         body->onCharacterTyped = [this, language](int& code) {
             m_editor->characterTyped(language, editor::Box::Body, code);
@@ -370,6 +382,20 @@ void MainWindow::openFile(const QString& path) {
     // fromUtf8); only a relative one goes through Qt, which may not.
     m_editor->openFile(
         fromQString(QFileInfo(path).isAbsolute() ? path : QFileInfo(path).absoluteFilePath()));
+}
+
+void MainWindow::goTo(Language language, bool title, std::size_t position) {
+    tabs->setCurrentIndex(indexOf(language));
+    LanguagePage& page = *languagePages[indexOf(language)];
+    if (title) {
+        page.titleBox->setCursorPosition(
+            static_cast<int>(std::min<std::size_t>(position, page.titleBox->text().size())));
+        page.titleBox->setFocus(Qt::OtherFocusReason);
+    } else {
+        page.bodyEditor->setCaretPosition(position);
+        page.bodyEditor->centerCursor();
+        page.bodyEditor->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 void MainWindow::save(const QString& schemaName, const QString& schemaFolder) {

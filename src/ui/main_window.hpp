@@ -33,6 +33,10 @@ class MainWindow : public QWidget {
     // from the command line, a file manager or a drop onto the window.
     void openFile(const QString& path);
 
+    // Shows a language's page with the caret at `position` of its title or
+    // body (as lorekeep-tool's findings count), in sight and focused.
+    void goTo(Language language, bool title, std::size_t position);
+
     // Writes the schema file schemaFolder/schemaName.sch from the window.
     void save(const QString& schemaName, const QString& schemaFolder);
 
@@ -43,8 +47,9 @@ class MainWindow : public QWidget {
     // instead of a user). Also starts the window's marker state afresh.
     void setDialogs(editor::MessageBox* messages, editor::FileDialog* dialog);
 
-    // Rich-text box k of the array: editor k (0..3) or preview pane k - 4.
-    RichTextBox* richTextBox(int k) const;
+    // The rtbText boxes: a language's body editor and its preview pane.
+    PlainTextBox* bodyEditor(Language language) const;
+    RichTextBox* previewPane(Language language) const;
 
     QGroupBox* schemaFrame;
     QLabel* folderLabel;

@@ -64,15 +64,17 @@ class AccessibleTab final : public QAccessibleInterface, public QAccessibleActio
         return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
                                                     : nullptr;
     }
-    // A tab controls its page.
+    // A tab controls its page: the page is what it controls. A relation
+    // names what the other object is to this one, as Qt's own widgets report
+    // the receivers of their signals as Controlled (AT-SPI: CONTROLLER_FOR).
     QList<QPair<QAccessibleInterface*, QAccessible::Relation>> relations(
         QAccessible::Relation match) const override {
         auto* container = m_strip ? qobject_cast<TabContainer*>(m_strip->parentWidget()) : nullptr;
         QWidget* page = container != nullptr ? container->page(m_index) : nullptr;
-        if (page == nullptr || !(match & QAccessible::Controller)) {
+        if (page == nullptr || !(match & QAccessible::Controlled)) {
             return {};
         }
-        return {{QAccessible::queryAccessibleInterface(page), QAccessible::Controller}};
+        return {{QAccessible::queryAccessibleInterface(page), QAccessible::Controlled}};
     }
 
     QStringList actionNames() const override { return {pressAction()}; }

@@ -24,10 +24,6 @@ struct Fit {
     qreal heightPadding = 0;
 };
 
-qreal pointSize(const QFont& font) {
-    return font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize() * 72.0 / 96.0;
-}
-
 // The width of `text` broken at the one space that makes its wider line the
 // narrowest.
 qreal twoLineWidth(const QFontMetricsF& metrics, const QString& text) {
@@ -40,6 +36,10 @@ qreal twoLineWidth(const QFontMetricsF& metrics, const QString& text) {
 }
 
 }  // namespace
+
+qreal pointSize(const QFont& font) {
+    return font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize() * 72.0 / 96.0;
+}
 
 Grid Grid::forFont(const QFont& font) {
     const qreal points = pointSize(font);

@@ -25,6 +25,9 @@ inline constexpr int kTwipsPerPixel = 15;
 // The toolkit's own default font, at which the twips above are exact.
 inline constexpr qreal kDefaultPointSize = 9.0;
 
+// A font's size in points, also when it is set in pixels.
+qreal pointSize(const QFont& font);
+
 // Turns twips into pixels for one window.
 class Grid {
   public:

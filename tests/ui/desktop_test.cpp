@@ -124,8 +124,10 @@ class DesktopTest : public QObject {
             QCOMPARE(tab->parent(), strip);
             QCOMPARE(strip->indexOfChild(tab), k);
             QCOMPARE(strip->childAt(tab->rect().center().x(), tab->rect().center().y()), tab);
-            // The tab controls its page, which is named after it.
-            const auto controlled = tab->relations(QAccessible::Controller);
+            // The tab controls its page, which is named after it; nothing
+            // controls the tab.
+            QVERIFY(tab->relations(QAccessible::Controller).isEmpty());
+            const auto controlled = tab->relations(QAccessible::Controlled);
             QCOMPARE(controlled.size(), 1);
             QCOMPARE(controlled.front().first->object(), w.tabs->page(k));
             QCOMPARE(controlled.front().first->text(QAccessible::Name), captions[k]);
@@ -156,11 +158,11 @@ class DesktopTest : public QObject {
         dark.setColor(QPalette::Text, Qt::white);
         QApplication::setPalette(dark);
         MainWindow& w = shownWindow();
-        RichTextBox* editor = w.richTextBox(0);
+        PlainTextBox* editor = w.bodyEditor(Language(0));
         QCOMPARE(editor->palette().color(QPalette::Base), QColor(42, 42, 42));
         editor->replaceText(fromQString(body));
         w.tabs->setCurrentIndex(4);
-        RichTextBox* pane = w.richTextBox(4);
+        RichTextBox* pane = w.previewPane(Language(0));
         const QImage picture = pane->viewport()->grab().toImage();
         const QColor page = picture.pixelColor(picture.width() - 2, picture.height() - 2);
         // The darkest pixel: the words in black, in both bodies.
@@ -247,10 +249,17 @@ class DesktopTest : public QObject {
         QApplication::setFont(font);
         MainWindow& w = shownWindow();
         const QSize room = w.screen()->availableGeometry().size();
-        QVERIFY2(w.frameGeometry().width() <= room.width() &&
-                     w.frameGeometry().height() <= room.height(),
+        // Where even the standard font's window is too large (a small
+        // panel), the font stops there: a smaller one would not shrink it.
+        const qreal shown = layout::pointSize(w.font());
+        QVERIFY2(shown >= layout::kDefaultPointSize, qPrintable(QString::number(shown)));
+        QVERIFY2((w.frameGeometry().width() <= room.width() &&
+                  w.frameGeometry().height() <= room.height()) ||
+                     shown == layout::kDefaultPointSize,
                  qPrintable(QStringLiteral("%1 x %2").arg(w.width()).arg(w.height())));
-        QVERIFY(w.width() * 9 >= 421 * std::min(points, 12.0) - 9);  // no smaller than need be
+        if (room.height() >= 700) {  // no smaller than need be
+            QVERIFY(w.width() * 9 >= 421 * std::min(points, 12.0) - 9);
+        }
     }
 };
 

@@ -1,5 +1,6 @@
 #include <QClipboard>
 #include <QTemporaryDir>
+#include <QTextBlock>
 #include <QtTest>
 #include <random>
 
@@ -18,9 +19,9 @@ using namespace lorekeep::ui;
 class EditingTest : public QObject {
     Q_OBJECT
 
-    static QString text(const RichTextBox* box) { return toQString(box->plainText()); }
+    static QString text(const editor::EditorBox* box) { return toQString(box->plainText()); }
     // What the pane of `editor` must show for what the editor holds now.
-    static QString rendered(const RichTextBox* e) {
+    static QString rendered(const editor::EditorBox* e) {
         return toQString(markup::renderPreview(e->plainText()).text);
     }
     testing::RecordingMessageBox m_messages;
@@ -64,16 +65,16 @@ class EditingTest : public QObject {
         QVERIFY(!page.okButton->isEnabled());
         QCOMPARE(page.colourButton->palette().color(QPalette::Button), QColor(255, 128, 0));
         // The last letter of the preview, behind the colour marker.
-        QCOMPARE(m_window->richTextBox(6)->characterColour(24), QColor(255, 128, 0));
+        QCOMPARE(m_window->previewPane(Language(2))->characterColour(24), QColor(255, 128, 0));
         QTest::keyClick(page.bodyEditor, Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(text(page.bodyEditor), "Bon\\n<jc>\\njour");
-        QCOMPARE(text(m_window->richTextBox(6)), rendered(page.bodyEditor));
+        QCOMPARE(text(m_window->previewPane(Language(2))), rendered(page.bodyEditor));
     }
 
     // Enter, on either key and with any modifier, writes the next break
     // marker; undo and redo step through them; the preview follows each step.
     void enterKeysUndoAndRedo() {
-        RichTextBox* editor = m_window->richTextBox(0);
+        PlainTextBox* editor = m_window->bodyEditor(Language(0));
         QTest::keyClicks(editor, "ab");
         const std::tuple<Qt::Key, Qt::KeyboardModifiers, const char*> steps[] = {
             {Qt::Key_Return, Qt::NoModifier, "ab\\n<br>\\n"},
@@ -87,7 +88,7 @@ class EditingTest : public QObject {
         for (const auto& [key, modifiers, expected] : steps) {
             QTest::keyClick(editor, key, modifiers);
             QCOMPARE(text(editor), expected);
-            QCOMPARE(text(m_window->richTextBox(4)), rendered(editor));
+            QCOMPARE(text(m_window->previewPane(Language(0))), rendered(editor));
         }
     }
 
@@ -97,16 +98,22 @@ class EditingTest : public QObject {
     void typingAfterAnEditIsItsOwnUndoStep() {
         MainWindow& w = *m_window;
         QTemporaryDir dir;
-        RichTextBox* english = w.richTextBox(0);
-        RichTextBox* french = w.richTextBox(1);
+        PlainTextBox* english = w.bodyEditor(Language(0));
+        PlainTextBox* french = w.bodyEditor(Language(1));
         english->replaceText(u"Hello");
         w.save("undo", dir.path());
-        const std::tuple<const char*, RichTextBox*, std::function<void()>> edits[] = {
+        const std::tuple<const char*, PlainTextBox*, std::function<void()>> edits[] = {
             {"command", english,
              [&] { QTest::mouseClick(w.languagePages[0]->centreButton, Qt::LeftButton); }},
             {"copy", french,
              [&] { QTest::mouseClick(w.languagePages[0]->copyButton, Qt::LeftButton); }},
             {"load", english, [&] { w.load("undo", dir.path()); }},
+            {"redo", english,
+             [&] {
+                 english->replaceText(u"Hello there");
+                 QTest::keyClick(english, Qt::Key_Z, Qt::ControlModifier);
+                 QTest::keyClick(english, Qt::Key_Y, Qt::ControlModifier);
+             }},
             {"deleted selection", english,
              [&] {
                  english->selectAll();
@@ -129,25 +136,40 @@ class EditingTest : public QObject {
             QTest::keyClick(box, Qt::Key_Y, Qt::ControlModifier);
             QTest::keyClick(box, Qt::Key_Y, Qt::ControlModifier);
             QVERIFY2(text(box) == edited + "xy", what);
-            QCOMPARE(text(w.richTextBox(box == english ? 4 : 5)), rendered(box));
+            QCOMPARE(text(w.previewPane(box == english ? Language::English : Language::French)),
+                     rendered(box));
         }
     }
 
     // A copy from a preview pane carries the exact text and the formatted
     // text (its colours and alignment); a copy from an editor plain text only.
     void copyingFromAPreviewKeepsItsFormatting() {
-        RichTextBox* editor = m_window->richTextBox(0);
-        RichTextBox* pane = m_window->richTextBox(4);
-        editor->replaceText(u"\\n<jc>\\n\\n<dc=255,128,0>\\nGold\\n<br>\\nend");
-        for (RichTextBox* box : {editor, pane}) {
+        PlainTextBox* editor = m_window->bodyEditor(Language(0));
+        RichTextBox* pane = m_window->previewPane(Language(0));
+        // A run without spaces and a long sentence, which the box holds in
+        // several blocks each, are still one paragraph with every character.
+        const QString run(300, u'x');
+        const QString sentence = QStringLiteral("one word  ").repeated(120);
+        editor->replaceText(fromQString("\\n<jc>\\n\\n<dc=255,128,0>\\nGold " + run + "\\n<br>\\n" +
+                                        sentence + "<&>"));
+        const auto copyAll = [](auto* box) {
             box->selectAll();
             box->copy();
             const QMimeData* copied = QApplication::clipboard()->mimeData();
-            QCOMPARE(copied->text(), text(box));
-            QCOMPARE(copied->hasHtml(), box == pane);
-        }
+            return std::pair(copied->text() == text(box), copied->hasHtml());
+        };
+        QCOMPARE(copyAll(editor), std::pair(true, false));
+        QCOMPARE(copyAll(pane), std::pair(true, true));
         const QString html = QApplication::clipboard()->mimeData()->html();
-        QVERIFY2(html.contains("#ff8000") && html.contains("align=\"center\""), qPrintable(html));
+        QTextDocument pasted;
+        pasted.setHtml(html);
+        QCOMPARE(pasted.toPlainText(), text(pane).replace(u'\r', u'\n'));
+        QCOMPARE(pasted.blockCount(), 2);
+        QCOMPARE(pasted.begin().blockFormat().alignment() & Qt::AlignHorizontal_Mask,
+                 Qt::AlignHCenter);
+        QTextCursor gold(&pasted);
+        gold.setPosition(static_cast<int>(text(pane).indexOf("Gold")) + 1);
+        QCOMPARE(gold.charFormat().foreground().color(), QColor(255, 128, 0));
     }
 
     // A schema file handed over by path (the command line, a file manager) or
@@ -156,9 +178,9 @@ class EditingTest : public QObject {
     void openingAndDroppingFiles() {
         MainWindow& w = *m_window;
         QTemporaryDir dir;
-        w.richTextBox(0)->replaceText(u"Hello, world");
+        w.bodyEditor(Language(0))->replaceText(u"Hello, world");
         w.save("tower", dir.path());
-        w.richTextBox(0)->replaceText(u"typed");
+        w.bodyEditor(Language(0))->replaceText(u"typed");
         QFile(dir.filePath("notes.txt")).open(QIODevice::WriteOnly);
         auto drop = [&](QWidget* target, const QStringList& names) {
             QMimeData mime;
@@ -173,12 +195,12 @@ class EditingTest : public QObject {
             QApplication::sendEvent(target, &event);
             return enter.isAccepted() && event.isAccepted();
         };
-        QVERIFY(!drop(w.richTextBox(0)->viewport(), {"notes.txt"}));
+        QVERIFY(!drop(w.bodyEditor(Language(0))->viewport(), {"notes.txt"}));
         QVERIFY(!drop(w.nameBox, {"tower.sch", "tower.sch"}));
-        QCOMPARE(text(w.richTextBox(0)), "typed");
+        QCOMPARE(text(w.bodyEditor(Language(0))), "typed");
         QVERIFY(w.nameBox->text().isEmpty());
-        QVERIFY(drop(w.richTextBox(0)->viewport(), {"tower.sch"}));
-        QCOMPARE(text(w.richTextBox(0)), "Hello, world");
+        QVERIFY(drop(w.bodyEditor(Language(0))->viewport(), {"tower.sch"}));
+        QCOMPARE(text(w.bodyEditor(Language(0))), "Hello, world");
         QCOMPARE(w.folderBox->text() + w.nameBox->text(), dir.path() + "/tower");
         w.openFile(dir.filePath("missing.sch"));
         QCOMPARE(m_messages.shown.size(), std::size_t{1});
@@ -193,7 +215,7 @@ class EditingTest : public QObject {
         QTemporaryDir dir;
         w.folderBox->setText(dir.path() + "/");
         w.nameBox->setText("tower");
-        RichTextBox* body = w.richTextBox(0);
+        PlainTextBox* body = w.bodyEditor(Language(0));
         body->setFocus();
         QTest::keyClicks(body, "Hello");
         QTest::keyClick(body, Qt::Key_S, Qt::ControlModifier);
@@ -221,40 +243,41 @@ class EditingTest : public QObject {
         m_dialog.nextPath = dir.filePath("tower.sch").toStdU16String();
         w.locationButton->click();
         for (int i = 0; i < kLanguageCount; ++i) {
-            w.richTextBox(i)->replaceText(QStringLiteral("text %1").arg(i).toStdU16String());
+            w.bodyEditor(Language(i))
+                ->replaceText(QStringLiteral("text %1").arg(i).toStdU16String());
         }
         QTest::mouseClick(w.languagePages[1]->copyButton, Qt::LeftButton);
         for (int i = 0; i < kLanguageCount; ++i) {
-            QCOMPARE(text(w.richTextBox(i)), "text 1");
-            QCOMPARE(text(w.richTextBox(4 + i)), "text 1");
+            QCOMPARE(text(w.bodyEditor(Language(i))), "text 1");
+            QCOMPARE(text(w.previewPane(Language(i))), "text 1");
         }
-        QTest::keyClick(w.richTextBox(2), Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(text(w.richTextBox(2)), "text 2");
-        QCOMPARE(text(w.richTextBox(6)), "text 2");
-        QCOMPARE(text(w.richTextBox(3)), "text 1");
+        QTest::keyClick(w.bodyEditor(Language(2)), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(text(w.bodyEditor(Language(2))), "text 2");
+        QCOMPARE(text(w.previewPane(Language(2))), "text 2");
+        QCOMPARE(text(w.bodyEditor(Language(3))), "text 1");
 
         w.languagePages[0]->titleBox->setText("The Tower");
-        w.richTextBox(0)->replaceText(u"Hello\\n<br>\\nWorld");
+        w.bodyEditor(Language(0))->replaceText(u"Hello\\n<br>\\nWorld");
         w.fontBox->setCurrentIndex(1);
         w.saveButton->click();
         w.languagePages[0]->titleBox->setText("changed");
-        w.richTextBox(0)->replaceText(u"changed");
+        w.bodyEditor(Language(0))->replaceText(u"changed");
         w.fontBox->setCurrentIndex(3);
         w.loadButton->click();
         QCOMPARE(w.languagePages[0]->titleBox->text(), "The Tower");
-        QCOMPARE(text(w.richTextBox(0)), "Hello\\n<br>\\nWorld");
-        QCOMPARE(text(w.richTextBox(4)), "Hello\rWorld");
+        QCOMPARE(text(w.bodyEditor(Language(0))), "Hello\\n<br>\\nWorld");
+        QCOMPARE(text(w.previewPane(Language(0))), "Hello\rWorld");
         QCOMPARE(w.fontBox->currentIndex(), 1);
-        QTest::keyClick(w.richTextBox(0), Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(text(w.richTextBox(0)), "changed");
-        QCOMPARE(text(w.richTextBox(4)), "changed");
+        QTest::keyClick(w.bodyEditor(Language(0)), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(text(w.bodyEditor(Language(0))), "changed");
+        QCOMPARE(text(w.previewPane(Language(0))), "changed");
         QVERIFY(m_messages.shown.empty());
     }
 
     // A text set as its smallest change reads back exactly, whatever line
     // breaks the change cuts through or adds.
     void smallestChangesKeepEveryCharacter() {
-        RichTextBox* editor = m_window->richTextBox(0);
+        PlainTextBox* editor = m_window->bodyEditor(Language(0));
         std::mt19937 random(7);
         Text next;
         for (int step = 0; step < 300; ++step) {
@@ -279,9 +302,9 @@ class EditingTest : public QObject {
         while (body.size() < 40'000) {
             body += u"words and more words\n<jc>\n";
         }
-        w.richTextBox(0)->replaceText(body);
+        w.bodyEditor(Language(0))->replaceText(body);
         const std::function<void()> kinds[] = {
-            [&] { QTest::keyClick(w.richTextBox(0), Qt::Key_Return); },
+            [&] { QTest::keyClick(w.bodyEditor(Language(0)), Qt::Key_Return); },
             [&] { w.languagePages[0]->copyButton->click(); },
             [&] { w.languagePages[0]->centreButton->click(); },
             [&] { w.languagePages[0]->copyButton->click(); },
@@ -289,7 +312,8 @@ class EditingTest : public QObject {
             [&] { w.load("soak", dir.path()); }};
         auto commands = [&](int count) {
             for (int k = 0; k < count; ++k) {
-                w.richTextBox(0)->setCaretPosition(20'000 + 7 * static_cast<std::size_t>(k));
+                w.bodyEditor(Language(0))
+                    ->setCaretPosition(20'000 + 7 * static_cast<std::size_t>(k));
                 kinds[k % 6]();
             }
         };

@@ -29,7 +29,7 @@ class LongBodyTest : public QObject {
 
     // The pane against a full render of the editor: characters, colour of
     // each, alignment of each paragraph, caret and selection.
-    static bool paneInStep(const RichTextBox* editor, const RichTextBox* pane) {
+    static bool paneInStep(const editor::EditorBox* editor, const RichTextBox* pane) {
         const markup::RenderedPreview model = markup::renderPreview(editor->plainText());
         const QTextCursor cursor = pane->textCursor();
         if (pane->plainText() != model.text || pane->caretPosition() != model.caret ||
@@ -66,14 +66,14 @@ class LongBodyTest : public QObject {
     // random places, selections typed over, pastes, undo and redo. After each,
     // inside the same event, the pane equals a full render.
     void everyKeystrokeLeavesThePreviewInStep() {
-        RichTextBox* editor = m_window->richTextBox(1);
-        const RichTextBox* pane = m_window->richTextBox(5);
+        PlainTextBox* editor = m_window->bodyEditor(Language(1));
+        const RichTextBox* pane = m_window->previewPane(Language(1));
         testing::MarkerSoup soup(11);
         std::mt19937 random(11);
         editor->replaceText(soup.next(6000) + soup.next(6000));
         QVERIFY(paneInStep(editor, pane));
         // Typing into the pane itself leaves it out of step until the editor changes.
-        QTest::keyClicks(m_window->richTextBox(5), "typed into the pane");
+        QTest::keyClicks(m_window->previewPane(Language(1)), "typed into the pane");
         editor->setFocus();
         const QString typed = QStringLiteral("\\n<jcrdp=>,0 x");
         for (int step = 0; step < 400; ++step) {
@@ -129,7 +129,7 @@ class LongBodyTest : public QObject {
     // a block's start (the toolkit keeps the later block's format) and a block
     // end standing for a character just before a colour change.
     void editsKeepThePreviewInStep() {
-        RichTextBox* editor = m_window->richTextBox(2);
+        PlainTextBox* editor = m_window->bodyEditor(Language(2));
         const std::tuple<Text, std::size_t, Qt::Key> rows[] = {
             {u"Intro\\n<br>\\n\\n<jc>\\nCentred\\n<dc=255,0,0>\\nred\\n<p>\\n\\n<jr>\\nright"
              u"\\n<dc=0,0,0>\\n\\n<pb>\\n\\n<jl>\\nleft\\n<dc=7,08,100>\\nend\\n<JC>\\n\\n<jc>\\n",
@@ -138,18 +138,18 @@ class LongBodyTest : public QObject {
             {Text(256, u'a') + u"b\\n<dc=255,0,0>\\nred", 3, Qt::Key_X}};
         for (const auto& [body, caret, key] : rows) {
             editor->replaceText(body);
-            QVERIFY(paneInStep(editor, m_window->richTextBox(6)));
+            QVERIFY(paneInStep(editor, m_window->previewPane(Language(2))));
             editor->setCaretPosition(caret);
             QTest::keyClick(editor, key);
-            QVERIFY(paneInStep(editor, m_window->richTextBox(6)));
+            QVERIFY(paneInStep(editor, m_window->previewPane(Language(2))));
         }
     }
 
     // A pane changed while its page was hidden is laid out when the page is
     // shown: the text fills the pane's width and the caret is in view.
     void aPaneChangedWhileHiddenShowsWhenItsPageDoes() {
-        RichTextBox* editor = m_window->richTextBox(0);
-        const RichTextBox* pane = m_window->richTextBox(4);
+        PlainTextBox* editor = m_window->bodyEditor(Language(0));
+        const RichTextBox* pane = m_window->previewPane(Language(0));
         const Text body = repeated(u"Lore of the keep \\n<br>\\n", 400);
         editor->replaceText(body + u"\\n<jc>\\nthe end");
         m_window->tabs->setCurrentIndex(4);
@@ -169,7 +169,7 @@ class LongBodyTest : public QObject {
     // editor holds them in blocks of bounded length, and reading back, copying
     // and cutting across block ends and undoing give exactly the body.
     void longStretchesReadBackExactly() {
-        RichTextBox* editor = m_window->richTextBox(0);
+        PlainTextBox* editor = m_window->bodyEditor(Language(0));
         const Text body = repeated(u"Lore of the keep ", 400) + Text(5000, u'x') + u"\r\n" +
                           Text(3000, u'\\') + u"\n\r" + u"é€ end";
         editor->replaceText(body);
@@ -192,7 +192,7 @@ class LongBodyTest : public QObject {
         QCOMPARE(editor->plainText(), body.substr(0, 1500) + body.substr(9000));
         editor->undo();
         QCOMPARE(editor->plainText(), body);
-        QCOMPARE(m_window->richTextBox(4)->plainText(), markup::renderPreview(body).text);
+        QCOMPARE(m_window->previewPane(Language(0))->plainText(), markup::renderPreview(body).text);
     }
 };
 

@@ -18,7 +18,7 @@ using namespace lorekeep::ui;
 class MainWindowTest : public QObject {
     Q_OBJECT
 
-    static QString text(const RichTextBox* box) { return toQString(box->plainText()); }
+    static QString text(const editor::EditorBox* box) { return toQString(box->plainText()); }
     std::unique_ptr<MainWindow> m_window;
 
   private slots:
@@ -81,18 +81,18 @@ class MainWindowTest : public QObject {
                           w.tabs->strip()->tabRect(5).center());
         QCOMPARE(w.tabs->currentIndex(), 5);
         for (int language = 0; language < kLanguageCount; ++language) {
-            QTest::keyClicks(w.richTextBox(language), "A\\n<br>\\nB");
+            QTest::keyClicks(w.bodyEditor(Language(language)), "A\\n<br>\\nB");
             for (int k = 0; k < kLanguageCount; ++k) {
-                QCOMPARE(text(w.richTextBox(4 + k)), k <= language ? "A\rB" : "");
+                QCOMPARE(text(w.previewPane(Language(k))), k <= language ? "A\rB" : "");
             }
         }
-        QTest::keyClicks(w.richTextBox(4), "\\n<br>\\n");
+        QTest::keyClicks(w.previewPane(Language(0)), "\\n<br>\\n");
         QTest::keyClicks(w.languagePages[0]->titleBox, "\\n<br>\\n");
         QTest::keyClicks(w.fontBox->lineEdit(), "X");
         QTest::keyClicks(w.folderBox, "folder");
         // Typed at the pane's caret, which the preview left behind the marker.
-        QCOMPARE(text(w.richTextBox(4)), "A\r\\n<br>\\nB");
-        QCOMPARE(text(w.richTextBox(0)), "A\\n<br>\\nB");
+        QCOMPARE(text(w.previewPane(Language(0))), "A\r\\n<br>\\nB");
+        QCOMPARE(text(w.bodyEditor(Language(0))), "A\\n<br>\\nB");
         w.languagePages[0]->centreButton->click();
         QCOMPARE(w.tabs->currentIndex(), 5);
     }
@@ -100,20 +100,42 @@ class MainWindowTest : public QObject {
     // Pasting drops formatting, and a paste that would make the body longer
     // than a box can lay out is refused whole.
     void pasting() {
-        RichTextBox* box = m_window->richTextBox(0);
+        PlainTextBox* box = m_window->bodyEditor(Language(0));
         auto* mime = new QMimeData;
         mime->setHtml("<b>bold</b> <span style='color:red'>red</span>");
         mime->setText("bold red");
         QApplication::clipboard()->setMimeData(mime);
         box->paste();
         QCOMPARE(text(box), "bold red");
-        QVERIFY(!box->toHtml().contains("font-weight:700") && !box->toHtml().contains("color:"));
+        const QString html = box->document()->toHtml();
+        QVERIFY(!html.contains("font-weight:700") && !html.contains("color:"));
         // Unwrapped, a paste let through wrongly costs a second to lay out, not minutes.
-        box->setLineWrapMode(QTextEdit::NoWrap);
+        box->setLineWrapMode(QPlainTextEdit::NoWrap);
         QApplication::clipboard()->setText(
             QString(static_cast<qsizetype>(lorekeep::kMaxBodyLength) - 7, QChar('x')));
         box->paste();
         QCOMPARE(text(box), "bold red");
+    }
+
+    // --goto: the language's page, the caret at the place, the box focused,
+    // a place past the end at the end.
+    void goingToAFinding() {
+        MainWindow& w = *m_window;
+        w.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        w.bodyEditor(Language::French)->replaceText(u"Bonjour le monde");
+        w.languagePages[2]->titleBox->setText("Der Turm");
+        w.goTo(Language::French, false, 8);
+        QCOMPARE(w.tabs->currentIndex(), 1);
+        QCOMPARE(w.bodyEditor(Language::French)->caretPosition(), 8u);
+        QCOMPARE(QApplication::focusWidget(), w.bodyEditor(Language::French));
+        w.goTo(Language::German, true, 99);
+        QCOMPARE(w.tabs->currentIndex(), 2);
+        QCOMPARE(w.languagePages[2]->titleBox->cursorPosition(), 8);
+        QCOMPARE(QApplication::focusWidget(), w.languagePages[2]->titleBox);
+        QCOMPARE(languageFromName("italian"), Language::Italian);
+        QCOMPARE(languageFromName("de"), Language::German);
+        QVERIFY(!languageFromName("Englis"));
     }
 
     // The real dialogs, each answered by a timer once it is up. The message
