@@ -39,4 +39,16 @@ inline Text markedUpBody(std::size_t length, std::size_t* markers = nullptr) {
     return body;
 }
 
+// Text without a single space or marker, as a pasted URL or a language
+// without spaces would be: exactly `length` letters.
+inline Text unbrokenBody(std::size_t length) {
+    constexpr std::u16string_view kLetters = u"Loremipsumdolorsitametconsectetur";
+    Text body;
+    body.reserve(length);
+    while (body.size() < length) {
+        body.append(kLetters.substr(0, std::min(kLetters.size(), length - body.size())));
+    }
+    return body;
+}
+
 }  // namespace lorekeep::bench

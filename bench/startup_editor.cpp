@@ -10,6 +10,8 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(lorekeep::ui::toQString(lorekeep::texts::kProgramTitle));
     lorekeep::ui::MainWindow window;
     window.show();
-    QMetaObject::invokeMethod(&app, &QApplication::quit, Qt::QueuedConnection);
+    if (!QApplication::arguments().contains(QStringLiteral("--stay"))) {
+        QMetaObject::invokeMethod(&app, &QApplication::quit, Qt::QueuedConnection);
+    }
     return QApplication::exec();
 }

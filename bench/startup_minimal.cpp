@@ -1,5 +1,6 @@
 // The least a Qt Widgets program can do: one empty window of the editor's
-// size, shown, and the process ends as soon as it is up.
+// size, shown, and the process ends as soon as it is up (with --stay, it
+// stays up, to be measured on a real display).
 #include <QApplication>
 #include <QWidget>
 
@@ -8,6 +9,8 @@ int main(int argc, char** argv) {
     QWidget window;
     window.setFixedSize(421, 471);
     window.show();
-    QMetaObject::invokeMethod(&app, &QApplication::quit, Qt::QueuedConnection);
+    if (!QApplication::arguments().contains(QStringLiteral("--stay"))) {
+        QMetaObject::invokeMethod(&app, &QApplication::quit, Qt::QueuedConnection);
+    }
     return QApplication::exec();
 }

@@ -9,7 +9,7 @@ packages=(
     qt6-base-dev libgl-dev                   # Qt 6 Widgets
     libqt6svg6                               # draws the SVG window icon
     libgtest-dev libgmock-dev                # unit tests
-    libbenchmark-dev                         # benchmarks
+    libbenchmark-dev libxtst-dev             # benchmarks (XTest types into the real window)
     libgettextpo-dev gettext                 # lorekeep-tool's PO files, and msgfmt to check them
     desktop-file-utils appstream             # check the desktop entry and the metainfo
 )

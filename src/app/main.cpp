@@ -141,9 +141,11 @@ int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(lorekeep::ui::toQString(lorekeep::texts::kProgramTitle));
     QGuiApplication::setDesktopFileName(QStringLiteral(LOREKEEP_APP_ID));
-    QApplication::setWindowIcon(windowIcon());
     lorekeep::ui::MainWindow window;
     window.show();
+    // The icon (an SVG, which loads a plugin, found through the icon theme)
+    // once the window is up: the window comes up a third sooner.
+    QTimer::singleShot(0, &window, [] { QApplication::setWindowIcon(windowIcon()); });
     if (!file.isEmpty()) {
         // Once the window is up, so that a failed load's message stands over it.
         QTimer::singleShot(0, &window, [&window, file, place] {

@@ -29,8 +29,8 @@ void SchemaEditor::bodyChanged(Language language, const std::optional<TextChange
     markup::IncrementalRenderer& preview = state.preview;
     // A change the box can name renders only around itself; anything else
     // renders the whole text again.
-    if (change && state.previewInStep && change->start <= preview.body().size() &&
-        change->removed <= preview.body().size() - change->start) {
+    if (change && state.previewInStep && change->start <= preview.bodyLength() &&
+        change->removed <= preview.bodyLength() - change->start) {
         controls.preview->showPreviewChange(
             preview.replace(change->start, change->removed, change->inserted),
             [&preview] { return preview.preview(); });

@@ -40,6 +40,21 @@ Shown shownText(std::vector<Segment>::const_iterator first,
     return shown;
 }
 
+// Appends `next` to `part`: one segment that covers both.
+void merge(Segment& part, Segment&& next) {
+    const std::size_t offset = part.text.size();
+    for (const ColourRun& run : next.colours) {
+        segments::addColourRun(part.colours, part.entry.colour, offset + run.start, run.colour);
+    }
+    if (next.selection) {
+        part.selection =
+            segments::Selection{offset + next.selection->offset, next.selection->toEnd};
+    }
+    part.paragraphs.insert(part.paragraphs.end(), next.paragraphs.begin(), next.paragraphs.end());
+    part.text.append(next.text);
+    part.bodyLength += next.bodyLength;
+}
+
 std::size_t separatorsIn(TextView text) {
     return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), isParagraphSeparator));
 }
@@ -47,10 +62,14 @@ std::size_t separatorsIn(TextView text) {
 }  // namespace
 
 void IncrementalRenderer::reset(TextView body) {
-    m_body = Text(body);
+    m_body.assign(body);
     m_parts.clear();
-    m_last = segments::scan(m_body, 0, {}, {m_segmentLength}, m_parts).state;
+    m_last = segments::scan(body, 0, {}, {m_segmentLength}, m_parts).state;
     std::erase_if(m_parts, [](const Segment& part) { return part.bodyLength == 0; });
+    m_previewLength = 0;
+    for (const Segment& part : m_parts) {
+        m_previewLength += part.text.size();
+    }
 }
 
 PreviewPatch IncrementalRenderer::replace(std::size_t start, std::size_t removed,
@@ -65,30 +84,50 @@ PreviewPatch IncrementalRenderer::replace(std::size_t start, std::size_t removed
     std::size_t outputBefore = 0;
     std::size_t paragraphsBefore = 0;
     for (std::size_t k = 0, at = 0; k < m_parts.size() && at + kLookAhead <= start; ++k) {
+        if (k > 0) {
+            outputBefore += m_parts[k - 1].text.size();
+            paragraphsBefore += m_parts[k - 1].paragraphs.size();
+        }
         first = k;
         from = at;
         at += m_parts[k].bodyLength;
     }
-    for (std::size_t k = 0; k < first; ++k) {
-        outputBefore += m_parts[k].text.size();
-        paragraphsBefore += m_parts[k].paragraphs.size();
-    }
-    // Where the old segments behind the edit begin, in the new body: the scan
-    // may stop at the first of them where its state is the old one.
-    std::vector<std::size_t> places;
-    std::vector<ScanState> states;
-    std::size_t firstBehind = m_parts.size();
-    for (std::size_t k = first, at = from; k < m_parts.size(); at += m_parts[k++].bodyLength) {
-        if (k > first && at >= start + removed) {
-            firstBehind = std::min(firstBehind, k);
-            places.push_back(at - removed + inserted.size());
-            states.push_back(m_parts[k].entry);
-        }
-    }
+    // The scan reads a window of the body from `from`, grown until the scan
+    // gets back in step inside it: where the old segments behind the edit
+    // begin (in the new body, counted from `from`), it may stop at the first
+    // whose state is the old one. A stop whose reading could have reached
+    // past the window's end is not trusted.
     const ScanState entry = m_parts.empty() ? ScanState{} : m_parts[first].entry;
     std::vector<Segment> fresh;
-    const segments::ScanEnd end =
-        segments::scan(m_body, from, entry, {m_segmentLength, &places, &states}, fresh);
+    segments::ScanEnd end;
+    std::vector<std::size_t> places;
+    std::size_t firstBehind = m_parts.size();
+    for (std::size_t window = start + inserted.size() - from + 4 * m_segmentLength;; window *= 2) {
+        const std::size_t windowEnd = std::min(m_body.size(), from + window);
+        const bool toTheEnd = windowEnd == m_body.size();
+        places.clear();
+        std::vector<ScanState> states;
+        firstBehind = m_parts.size();
+        for (std::size_t k = first, at = from; k < m_parts.size(); at += m_parts[k++].bodyLength) {
+            const std::size_t place = at - removed + inserted.size();
+            if (k > first && at >= start + removed) {
+                if (place > windowEnd) {
+                    break;
+                }
+                firstBehind = std::min(firstBehind, k);
+                places.push_back(place - from);
+                states.push_back(m_parts[k].entry);
+            }
+        }
+        fresh.clear();
+        const Text text = m_body.copy(from, windowEnd);
+        end = segments::scan(text, 0, entry, {m_segmentLength, &places, &states}, fresh);
+        if (toTheEnd ? end.stoppedAt <= places.size()
+                     : end.stoppedAt < places.size() &&
+                           from + places[end.stoppedAt] + kLookAhead <= windowEnd) {
+            break;
+        }
+    }
     std::erase_if(fresh, [](const Segment& part) { return part.bodyLength == 0; });
     const std::size_t behind =
         end.stoppedAt < places.size() ? firstBehind + end.stoppedAt : m_parts.size();
@@ -125,9 +164,23 @@ PreviewPatch IncrementalRenderer::replace(std::size_t start, std::size_t removed
         }
     }
 
-    m_parts.erase(oldFirst, oldLast);
-    m_parts.insert(m_parts.begin() + static_cast<std::ptrdiff_t>(first),
-                   std::make_move_iterator(fresh.begin()), std::make_move_iterator(fresh.end()));
+    // A character typed makes its segment cut where it was and again a
+    // character later; the short piece joins the one before, so that the
+    // segments after the edit keep their places in the list (moving them
+    // all costs more than the edit itself in a long body).
+    if (fresh.size() >= 2 && fresh.size() > behind - first &&
+        fresh.back().bodyLength < m_segmentLength / 4) {
+        merge(fresh[fresh.size() - 2], std::move(fresh.back()));
+        fresh.pop_back();
+    }
+    if (fresh.size() == behind - first) {
+        std::move(fresh.begin(), fresh.end(), oldFirst);
+    } else {
+        m_parts.erase(oldFirst, oldLast);
+        m_parts.insert(m_parts.begin() + static_cast<std::ptrdiff_t>(first),
+                       std::make_move_iterator(fresh.begin()),
+                       std::make_move_iterator(fresh.end()));
+    }
 
     // Paragraphs keep their text but change alignment when a justification
     // marker changes: every paragraph that ends in the new segments is given,
@@ -135,29 +188,29 @@ PreviewPatch IncrementalRenderer::replace(std::size_t start, std::size_t removed
     patch.firstParagraph = paragraphsBefore;
     patch.startParagraph = paragraphsBefore + separatorsIn(TextView(after.text).substr(0, same));
     const std::size_t touched = separatorsIn(after.text) + 1;
-    std::size_t paragraph = 0;
-    std::size_t length = 0;
-    std::optional<std::size_t> caret;
-    bool toEnd = false;
-    for (const Segment& part : m_parts) {
-        if (paragraph + part.paragraphs.size() > patch.firstParagraph &&
-            paragraph < patch.firstParagraph + touched) {
-            for (std::size_t k = 0; k < part.paragraphs.size(); ++k) {
-                if (paragraph + k >= patch.firstParagraph &&
-                    paragraph + k < patch.firstParagraph + touched) {
-                    patch.paragraphs.push_back(part.paragraphs[k]);
-                }
+    // Only the segments from the edit on, and from the end back to the last
+    // caret placed: a keystroke does not walk the whole body.
+    for (std::size_t k = first; k < m_parts.size() && patch.paragraphs.size() < touched; ++k) {
+        for (const Alignment alignment : m_parts[k].paragraphs) {
+            if (patch.paragraphs.size() < touched) {
+                patch.paragraphs.push_back(alignment);
             }
         }
-        paragraph += part.paragraphs.size();
-        if (part.selection) {
-            caret = length + part.selection->offset;
-            toEnd = part.selection->toEnd;
-        }
-        length += part.text.size();
     }
     if (patch.paragraphs.size() < touched) {
         patch.paragraphs.push_back(m_last.currentParagraph);
+    }
+    m_previewLength = m_previewLength - before.text.size() + after.text.size();
+    const std::size_t length = m_previewLength;
+    std::optional<std::size_t> caret;
+    bool toEnd = false;
+    for (std::size_t k = m_parts.size(), behindIt = 0; k-- > 0;) {
+        behindIt += m_parts[k].text.size();
+        if (m_parts[k].selection) {
+            caret = length - behindIt + m_parts[k].selection->offset;
+            toEnd = m_parts[k].selection->toEnd;
+            break;
+        }
     }
     patch.caret = std::min(caret.value_or(0), length);
     patch.selectionLength = toEnd ? length - patch.caret : 0;

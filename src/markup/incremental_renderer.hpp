@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "markup/chunked_text.hpp"
 #include "markup/preview.hpp"
 #include "markup/segments.hpp"
 
@@ -19,7 +20,7 @@ struct PreviewPatch {
     std::size_t startParagraph = 0;  // the paragraph in which `start` stands
     std::size_t firstParagraph = 0;  // at most `startParagraph`
     std::vector<Alignment> paragraphs;
-    std::size_t caret = 0;              // of the whole preview, as in RenderedPreview
+    std::size_t caret = 0;  // of the whole preview, as in RenderedPreview
     std::size_t selectionLength = 0;
 };
 
@@ -39,14 +40,15 @@ class IncrementalRenderer {
     // Replaces `removed` characters of the body from `start` with `inserted`.
     PreviewPatch replace(std::size_t start, std::size_t removed, TextView inserted);
 
-    const Text& body() const { return m_body; }
+    std::size_t bodyLength() const { return m_body.size(); }
     RenderedPreview preview() const { return segments::assemble(m_parts, m_last); }
 
   private:
     std::size_t m_segmentLength = 1024;
-    Text m_body;
+    ChunkedText m_body;
     std::vector<segments::Segment> m_parts;
-    segments::ScanState m_last;  // after the last segment
+    segments::ScanState m_last;       // after the last segment
+    std::size_t m_previewLength = 0;  // of all the segments' text
 };
 
 }  // namespace lorekeep::markup

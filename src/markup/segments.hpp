@@ -30,9 +30,9 @@ struct Selection {
 struct Segment {
     std::size_t bodyLength = 0;  // body characters the segment covers
     ScanState entry;
-    Text text;                        // what they render to
-    std::vector<ColourRun> colours;   // colour changes, starts counted from `text`'s start
-    std::vector<Alignment> paragraphs;  // of each paragraph that ends in `text`
+    Text text;                           // what they render to
+    std::vector<ColourRun> colours;      // colour changes, starts counted from `text`'s start
+    std::vector<Alignment> paragraphs;   // of each paragraph that ends in `text`
     std::optional<Selection> selection;  // the last one set inside the segment
 };
 

@@ -60,38 +60,61 @@ void RichTextBox::resizeEvent(QResizeEvent* event) {
     }
 }
 
-void RichTextBox::showPreview(const markup::RenderedPreview& preview) {
-    // Built in a document of its own, which no layout follows while it grows
-    // (a shown box's layout takes several times as long as the text itself
-    // for every block added), and then put in the old one's place.
-    QTextDocument* old = document();
-    auto* doc = new QTextDocument(this);
-    doc->setDefaultFont(old->defaultFont());
-    doc->setDefaultTextOption(old->defaultTextOption());
-    doc->setDocumentMargin(old->documentMargin());
-    doc->setUndoRedoEnabled(false);
-    QTextCursor cursor(doc);
+namespace {
+
+// Writes a whole preview at a cursor that stands in an empty document.
+bool writePreview(QTextCursor& cursor, const markup::RenderedPreview& preview) {
     // In an edit block a cursor does not ask the layout where it stands.
     cursor.beginEditBlock();
     QTextBlockFormat blockFormat;
     blockFormat.setAlignment(
         toQt(preview.paragraphs.empty() ? markup::Alignment::Left : preview.paragraphs[0]));
     cursor.setBlockFormat(blockFormat);
+    cursor.setBlockCharFormat(QTextCharFormat());
     BlockWriter writer(cursor, &preview.paragraphs);
     writer.writeRuns(preview.text, preview.colours);
     cursor.endEditBlock();
-    doc->setUndoRedoEnabled(old->isUndoRedoEnabled());
-    m_drawsBlockEnds = writer.drawsBlockEnds();
+    return writer.drawsBlockEnds();
+}
+
+}  // namespace
+
+void RichTextBox::showPreview(const markup::RenderedPreview& preview) {
     m_showingPreview = true;
-    // The box deletes a document it owns when another takes its place; its
-    // first one it leaves alone.
-    const QPointer<QTextDocument> replaced(old);
-    setDocument(doc);
-    delete replaced.data();
+    QTextDocument* old = document();
+    const bool undo = old->isUndoRedoEnabled();
     if (m_layoutSuspended) {
-        suspendLayout();
+        // Not shown, the document has no page and its layout ignores every
+        // change: it is written again in place. (A new document would be
+        // laid out as it is set, and then on and on in the background at
+        // the width of no page, a character to a line: seconds for a long
+        // body.)
+        old->setUndoRedoEnabled(false);
+        QTextCursor cursor(old);
+        cursor.select(QTextCursor::Document);
+        cursor.removeSelectedText();
+        m_drawsBlockEnds = writePreview(cursor, preview);
+        old->setUndoRedoEnabled(undo);
+    } else {
+        // Shown: built in a document of its own, which no layout follows
+        // while it grows (a shown box's layout takes several times as long
+        // as the text itself for every block added), and then put in the
+        // old one's place.
+        auto* doc = new QTextDocument(this);
+        doc->setDefaultFont(old->defaultFont());
+        doc->setDefaultTextOption(old->defaultTextOption());
+        doc->setDocumentMargin(old->documentMargin());
+        doc->setUndoRedoEnabled(false);
+        QTextCursor cursor(doc);
+        m_drawsBlockEnds = writePreview(cursor, preview);
+        doc->setUndoRedoEnabled(undo);
+        // The box deletes a document it owns when another takes its place;
+        // its first one it leaves alone.
+        const QPointer<QTextDocument> replaced(old);
+        setDocument(doc);
+        delete replaced.data();
+        connect(doc, &QTextDocument::contentsChange, this, &RichTextBox::documentChanged);
     }
-    connect(doc, &QTextDocument::contentsChange, this, &RichTextBox::documentChanged);
     m_lastLength = length();
     m_showingPreview = false;
     m_previewStale = false;

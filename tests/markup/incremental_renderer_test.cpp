@@ -54,9 +54,10 @@ TEST(IncrementalRenderer, EveryEditGivesWhatAFullRenderGives) {
             body.replace(start, removed, inserted);
             testing::applyPatch(pane, renderer.replace(start, removed, inserted));
             const RenderedPreview expected = renderPreview(body);
-            ASSERT_TRUE(pane == expected) << "edit " << edits << " at " << start << ", " << removed
-                                      << " removed, \"" << testing::visible(inserted)
-                                      << "\" inserted into \"" << testing::visible(before) << "\"";
+            ASSERT_TRUE(pane == expected)
+                << "edit " << edits << " at " << start << ", " << removed << " removed, \""
+                << testing::visible(inserted) << "\" inserted into \"" << testing::visible(before)
+                << "\"";
             ASSERT_TRUE(renderer.preview() == expected) << "edit " << edits;
         }
     }

@@ -165,6 +165,21 @@ class LongBodyTest : public QObject {
         QVERIFY(pane->document()->size().height() > pane->viewport()->height());
     }
 
+    // A pane whose page is hidden lays out nothing, however its preview
+    // arrives: a whole new one (a load) or a patch (typing).
+    void aHiddenPaneLaysOutNothing() {
+        PlainTextBox* editor = m_window->bodyEditor(Language(2));
+        const RichTextBox* pane = m_window->previewPane(Language(2));
+        editor->replaceText(repeated(u"Lore of the keep \\n<br>\\n", 2000));
+        QTest::keyClicks(editor, "typed");
+        QTest::qWait(100);  // the toolkit's layout goes on in the background
+        int laidOut = 0;
+        for (QTextBlock block = pane->document()->begin(); block.isValid(); block = block.next()) {
+            laidOut += block.layout()->lineCount() > 0 ? 1 : 0;
+        }
+        QCOMPARE(laidOut, 0);
+    }
+
     // Words, a stretch without a space and line breaks of both kinds: the
     // editor holds them in blocks of bounded length, and reading back, copying
     // and cutting across block ends and undoing give exactly the body.
