@@ -102,7 +102,8 @@ PreviewPatch IncrementalRenderer::replace(std::size_t start, std::size_t removed
     segments::ScanEnd end;
     std::vector<std::size_t> places;
     std::size_t firstBehind = m_parts.size();
-    for (std::size_t window = start + inserted.size() - from + 4 * m_segmentLength;; window *= 2) {
+    for (std::size_t window = start + inserted.size() - from + 4 * m_segmentLength + kLookAhead;;
+         window *= 2) {
         const std::size_t windowEnd = std::min(m_body.size(), from + window);
         const bool toTheEnd = windowEnd == m_body.size();
         places.clear();

@@ -69,12 +69,14 @@ constexpr std::optional<Language> languageFromCode(std::string_view code) {
 constexpr std::optional<Language> languageFromName(std::string_view name) {
     const auto lower = [](char32_t c) { return c >= U'A' && c <= U'Z' ? c + (U'a' - U'A') : c; };
     for (const LanguageInfo& info : kLanguages) {
-        const std::u16string_view caption = info.tabCaption;
-        bool same = name.size() == caption.size();
-        for (std::size_t k = 0; same && k < name.size(); ++k) {
-            same = lower(static_cast<unsigned char>(name[k])) == lower(caption[k]);
-        }
-        if (same || name == info.code) {
+        const auto sameAs = [&name, &lower](auto known) {
+            bool same = name.size() == known.size();
+            for (std::size_t k = 0; same && k < name.size(); ++k) {
+                same = lower(static_cast<unsigned char>(name[k])) == lower(known[k]);
+            }
+            return same;
+        };
+        if (sameAs(info.tabCaption) || sameAs(info.code)) {
             return info.language;
         }
     }

@@ -106,8 +106,10 @@ QString htmlBetween(const QTextDocument& document, std::size_t start, std::size_
             continue;
         }
         const char16_t c = endedBy(next);
-        html += markup::isParagraphSeparator(c) ? QStringLiteral("</p>") + paragraphStart(next)
-                                                : inColour(QString(QChar(c)), next.charFormat());
+        // A character the toolkit only holds as a block end (a line break,
+        // a paragraph or frame mark) ends the paragraph here, as in the pane.
+        html += endsBlock(c) ? QStringLiteral("</p>") + paragraphStart(next)
+                             : inColour(QString(QChar(c)), next.charFormat());
     }
     return html + QStringLiteral("</p></body></html>");
 }

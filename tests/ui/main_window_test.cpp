@@ -134,7 +134,7 @@ class MainWindowTest : public QObject {
         QCOMPARE(w.languagePages[2]->titleBox->cursorPosition(), 8);
         QCOMPARE(QApplication::focusWidget(), w.languagePages[2]->titleBox);
         QCOMPARE(languageFromName("italian"), Language::Italian);
-        QCOMPARE(languageFromName("de"), Language::German);
+        QCOMPARE(languageFromName("DE"), Language::German);
         QVERIFY(!languageFromName("Englis"));
     }
 
