@@ -180,6 +180,21 @@ class LongBodyTest : public QObject {
         QCOMPARE(laidOut, 0);
     }
 
+    // A hidden pane's preview written again whole (the body replaced by
+    // another) keeps nothing of the old one: not its alignment, not its
+    // colour, not a drawn block end.
+    void aPaneWrittenAgainWhileHiddenKeepsNothingOfTheOld() {
+        PlainTextBox* editor = m_window->bodyEditor(Language(3));
+        const RichTextBox* pane = m_window->previewPane(Language(3));
+        editor->replaceText(u"\\n<jr>\\n\\n<dc=255,0,0>\\n" + repeated(u"x", 600));
+        QVERIFY(paneInStep(editor, pane));
+        for (const Text& body : {Text(u"plain words"), repeated(u"Lore \\n<jc>\\n", 300)}) {
+            editor->replaceText(body);
+            QVERIFY(paneInStep(editor, pane));
+            QVERIFY(!pane->characterColour(0).isValid());
+        }
+    }
+
     // Words, a stretch without a space and line breaks of both kinds: the
     // editor holds them in blocks of bounded length, and reading back, copying
     // and cutting across block ends and undoing give exactly the body.
