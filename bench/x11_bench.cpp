@@ -207,7 +207,7 @@ lorekeep::Text bodyOf(Kind kind, std::size_t length) {
                           : lorekeep::bench::unbrokenBody(length);
 }
 
-// A schema in a folder of its own; `long` in English (or all four), a short
+// A schema in a folder of its own: `body` in English (or in all four), a short
 // text in the others.
 fs::path writeSchema(const std::string& name, const lorekeep::Text& body, bool allFour) {
     const fs::path folder = fs::temp_directory_path() / ("lorekeep-x11-bench-" + name);
