@@ -26,7 +26,8 @@ TEST(IncrementalRenderer, EveryEditGivesWhatAFullRenderGives) {
     int edits = 0;
     for (int n = 0; n < 400; ++n) {
         const bool programs = n % 10 == 0;
-        Text body = soup.next(programs ? 4000 : 800);
+        // Now and then a body of several of the renderer's chunks.
+        Text body = soup.next(programs ? (n % 20 == 0 ? 12000 : 4000) : 800);
         IncrementalRenderer renderer(programs ? 1024 : 8 + random() % 40);
         renderer.reset(body);
         RenderedPreview pane = renderPreview(body);
