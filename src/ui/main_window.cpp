@@ -312,8 +312,8 @@ editor::WindowControls MainWindow::controlInterfaces() {
         const LanguagePage& page = *languagePages[indexOf(language)];
         editor::LanguageControls& controls = c.of(language);
         controls.body = page.bodyEditor;
-        controls.preview = previewPages[indexOf(language)]->pane;
-        controls.previewText = previewPages[indexOf(language)]->pane;
+        controls.preview = previewPane(language);
+        controls.previewText = previewPane(language);
         controls.title = textBox(page.titleBox);
         controls.colourButton = button(page.colourButton);
         controls.okButton = button(page.okButton);
@@ -337,7 +337,7 @@ void MainWindow::connectEvents() {
     for (const Language language : kAllLanguages) {
         const LanguagePage& page = *languagePages[indexOf(language)];
         PlainTextBox* body = page.bodyEditor;
-        RichTextBox* pane = previewPages[indexOf(language)]->pane;
+        RichTextBox* pane = previewPane(language);
         // The body's change goes down with the notification; a pane's own
         // changes are no event.
         connect(body, &QPlainTextEdit::textChanged, this,

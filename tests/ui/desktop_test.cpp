@@ -48,6 +48,14 @@ class DesktopTest : public QObject {
         return *m_window;
     }
 
+    // The window as a desktop whose font is DejaVu Sans at `points` shows it.
+    MainWindow& shownWindowAtFont(qreal points) {
+        QFont font(QStringLiteral("DejaVu Sans"));
+        font.setPointSizeF(points);
+        QApplication::setFont(font);
+        return shownWindow();
+    }
+
   private slots:
     void cleanup() {
         m_window.reset();
@@ -191,10 +199,7 @@ class DesktopTest : public QObject {
     }
     void largerFontsScaleTheWindow() {
         QFETCH(qreal, points);
-        QFont font(QStringLiteral("DejaVu Sans"));
-        font.setPointSizeF(points);
-        QApplication::setFont(font);
-        MainWindow& w = shownWindow();
+        MainWindow& w = shownWindowAtFont(points);
         const QRect copy =
             w.languagePages[1]->copyButton->geometry().translated(w.tabs->pageOffset());
         if (points == 9.0) {
@@ -224,7 +229,7 @@ class DesktopTest : public QObject {
         for (int k = 0; k < w.tabs->strip()->count(); ++k) {
             QCOMPARE(w.tabs->strip()->captionFont(k).pointSizeF(), points);
         }
-        const QFontMetrics metrics(font);
+        const QFontMetrics metrics(QApplication::font());  // the desktop's, as set
         for (int k = 0; k < w.fontBox->count(); ++k) {
             QVERIFY2(
                 metrics.horizontalAdvance(w.fontBox->itemText(k)) <= w.fontBox->lineEdit()->width(),
@@ -244,10 +249,7 @@ class DesktopTest : public QObject {
     }
     void windowFitsTheScreen() {
         QFETCH(qreal, points);
-        QFont font(QStringLiteral("DejaVu Sans"));
-        font.setPointSizeF(points);
-        QApplication::setFont(font);
-        MainWindow& w = shownWindow();
+        MainWindow& w = shownWindowAtFont(points);
         const QSize room = w.screen()->availableGeometry().size();
         // Where even the standard font's window is too large (a small
         // panel), the font stops there: a smaller one would not shrink it.
