@@ -25,6 +25,7 @@
 
 #include "bench_bodies.hpp"
 #include "markup/markers.hpp"
+#include "processes.hpp"
 #include "schema/schema_writer.hpp"
 #include "ui/main_window.hpp"
 #include "ui/qt_text.hpp"
@@ -32,6 +33,7 @@
 namespace {
 
 using lorekeep::Text;
+using lorekeep::bench::statusMegabytes;
 using lorekeep::ui::MainWindow;
 using lorekeep::ui::toQString;
 
@@ -61,19 +63,6 @@ void typeAndTakeBack(benchmark::State& state, Box* box, std::size_t at) {
         type(box, Qt::Key_Backspace, QString());
         state.ResumeTiming();
     }
-}
-
-// A memory figure of /proc/self/status in MB: "VmHWM:" the peak since the
-// last reset, "VmRSS:" what is resident now.
-double statusMegabytes(const std::string& key) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind(key, 0) == 0) {
-            return std::stod(line.substr(key.size())) / 1024.0;
-        }
-    }
-    return 0;
 }
 
 // Heap in use, in MB: what the program holds, whatever the allocator keeps.

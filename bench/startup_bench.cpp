@@ -3,32 +3,19 @@
 // iteration starts the program afresh and waits for it to end, which it does
 // as soon as its window is up (Qt's offscreen platform, no display needed).
 #include <benchmark/benchmark.h>
-#include <spawn.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <string>
-#include <vector>
 
-extern char** environ;
+#include <vector>
+#include "processes.hpp"
 
 namespace {
 
 void runOnce(const char* program, benchmark::State& state) {
-    std::vector<std::string> env{"QT_QPA_PLATFORM=offscreen"};
-    for (char** e = environ; *e != nullptr; ++e) {
-        if (std::string(*e).rfind("QT_QPA_PLATFORM=", 0) != 0) {
-            env.emplace_back(*e);
-        }
-    }
-    std::vector<char*> envp;
-    for (auto& entry : env) {
-        envp.push_back(entry.data());
-    }
-    envp.push_back(nullptr);
-    char* argv[] = {const_cast<char*>(program), nullptr};
-    pid_t pid = 0;
-    if (posix_spawn(&pid, program, nullptr, nullptr, argv, envp.data()) != 0) {
+    const pid_t pid = lorekeep::bench::startOnPlatform({program}, "offscreen");
+    if (pid == 0) {
         state.SkipWithError("cannot start the program");
         return;
     }

@@ -9,23 +9,14 @@
 #include <string>
 
 #include "bench_bodies.hpp"
+#include "processes.hpp"
 #include "schema/schema_writer.hpp"
 #include "tool/cli.hpp"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-// A memory figure of /proc/self/status in MB ("VmHWM:", "VmRSS:").
-double statusMegabytes(const std::string& key) {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.starts_with(key)) {
-            return std::stod(line.substr(key.size())) / 1024.0;
-        }
-    }
-    return 0;
-}
+using lorekeep::bench::statusMegabytes;
 
 std::string fileName(int n) {
     std::string name = std::to_string(n);

@@ -16,7 +16,6 @@
 #include <benchmark/benchmark.h>
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -32,6 +31,7 @@
 #include <vector>
 
 #include "bench_bodies.hpp"
+#include "processes.hpp"
 #include "schema/limits.hpp"
 #include "schema/schema_file.hpp"
 
@@ -39,8 +39,6 @@
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
-
-extern char** environ;
 
 namespace {
 
@@ -54,28 +52,8 @@ double seconds(Clock::duration d) {
 // A started program: its CPU time and peak memory as the kernel counts them.
 class Process {
   public:
-    explicit Process(std::vector<std::string> args) {
-        std::vector<std::string> env{"QT_QPA_PLATFORM=xcb"};
-        for (char** e = environ; *e != nullptr; ++e) {
-            if (std::string(*e).rfind("QT_QPA_PLATFORM=", 0) != 0) {
-                env.emplace_back(*e);
-            }
-        }
-        std::vector<char*> argv;
-        std::vector<char*> envp;
-        for (auto& a : args) {
-            argv.push_back(a.data());
-        }
-        for (auto& e : env) {
-            envp.push_back(e.data());
-        }
-        argv.push_back(nullptr);
-        envp.push_back(nullptr);
-        started = Clock::now();
-        if (posix_spawn(&m_pid, argv[0], nullptr, nullptr, argv.data(), envp.data()) != 0) {
-            m_pid = 0;
-        }
-    }
+    explicit Process(std::vector<std::string> args)
+        : started(Clock::now()), m_pid(lorekeep::bench::startOnPlatform(std::move(args), "xcb")) {}
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
     ~Process() {
@@ -97,7 +75,9 @@ class Process {
         return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
     }
 
-    double peakMegabytes() const { return statusKilobytes("VmHWM:") / 1024.0; }
+    double peakMegabytes() const {
+        return lorekeep::bench::statusMegabytes("VmHWM:", std::to_string(m_pid));
+    }
 
     // Waits until the process has spent less than 2 ms of CPU in 300 ms;
     // returns when it last worked, or nothing if it never settled.
@@ -121,16 +101,6 @@ class Process {
     Clock::time_point started;
 
   private:
-    double statusKilobytes(const std::string& key) const {
-        std::ifstream status("/proc/" + std::to_string(m_pid) + "/status");
-        for (std::string line; std::getline(status, line);) {
-            if (line.rfind(key, 0) == 0) {
-                return std::stod(line.substr(key.size()));
-            }
-        }
-        return 0;
-    }
-
     pid_t m_pid = 0;
 };
 
