@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QIcon>
 #include <QTimer>
 #include <csignal>
@@ -118,8 +119,9 @@ QIcon windowIcon() {
     QIcon icon = QIcon::fromTheme(QStringLiteral("lorekeep"));
     const QString installed = QCoreApplication::applicationDirPath() +
                               QStringLiteral("/../share/icons/hicolor/scalable/apps/lorekeep.svg");
+    // Only a file that is there: Qt's SVG reader warns on stderr of one that is not.
     for (const QString& path : {installed, QStringLiteral(LOREKEEP_SOURCE_ICON)}) {
-        if (icon.isNull()) {
+        if (icon.isNull() && QFileInfo::exists(path)) {
             icon = QIcon(path);
         }
     }
