@@ -11,6 +11,8 @@ packages=(
     libgtest-dev libgmock-dev                # unit tests
     libbenchmark-dev libxtst-dev             # benchmarks (XTest types into the real window)
     libgettextpo-dev gettext                 # lorekeep-tool's PO files, and msgfmt to check them
+    pkg-config libenchant-2-dev              # spelling (Enchant) ...
+    hunspell-en-us hunspell-fr hunspell-de-de hunspell-it  # ... and its dictionaries
     desktop-file-utils appstream             # check the desktop entry and the metainfo
 )
 # Tools that only some scripts need (the screenshot, fuzzing) ask for more.

@@ -42,7 +42,7 @@ std::optional<Place> readPlace(const QString& text) {
 // the exit status when the program ends here (help, version, a usage error).
 // Needs no display, so `lorekeep --help` answers anywhere.
 std::optional<int> readCommandLine(int argc, char* argv[], QString& file,
-                                   std::optional<Place>& place) {
+                                   std::optional<Place>& place, bool& spelling) {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(lorekeep::ui::toQString(lorekeep::texts::kProgramTitle));
     QCoreApplication::setApplicationVersion(QStringLiteral(LOREKEEP_VERSION));
@@ -66,6 +66,10 @@ std::optional<int> readCommandLine(int argc, char* argv[], QString& file,
                        "names it: LANGUAGE:FIELD:POSITION, for example French:body:120."),
         QStringLiteral("place"));
     parser.addOption(goTo);
+    const QCommandLineOption noSpelling(
+        QStringLiteral("no-spelling"),
+        QStringLiteral("Do not check spelling (as LOREKEEP_SPELLING=off does)."));
+    parser.addOption(noSpelling);
     parser.addPositionalArgument(QStringLiteral("file"),
                                  QStringLiteral("A schema file (.sch) to open."),
                                  QStringLiteral("[file]"));
@@ -91,6 +95,8 @@ std::optional<int> readCommandLine(int argc, char* argv[], QString& file,
             return 2;
         }
     }
+    spelling = !parser.isSet(noSpelling) &&
+               qEnvironmentVariable("LOREKEEP_SPELLING").compare(u"off", Qt::CaseInsensitive) != 0;
     file = parser.positionalArguments().value(0);
     // Qt decodes a file name that is not valid UTF-8 with losses; the core's
     // decoding keeps every byte, so the raw argument that Qt read is used,
@@ -137,7 +143,8 @@ int main(int argc, char* argv[]) {
 
     QString file;
     std::optional<Place> place;
-    if (const auto status = readCommandLine(argc, argv, file, place)) {
+    bool spelling = true;
+    if (const auto status = readCommandLine(argc, argv, file, place, spelling)) {
         return *status;
     }
     QApplication app(argc, argv);
@@ -148,6 +155,10 @@ int main(int argc, char* argv[]) {
     // The icon (an SVG, which loads a plugin, found through the icon theme)
     // once the window is up: the window comes up a third sooner.
     QTimer::singleShot(0, &window, [] { QApplication::setWindowIcon(windowIcon()); });
+    if (spelling) {
+        // The dictionaries open in the background once the window is up.
+        QTimer::singleShot(0, &window, [&window] { window.startSpelling(); });
+    }
     if (!file.isEmpty()) {
         // Once the window is up, so that a failed load's message stands over it.
         QTimer::singleShot(0, &window, [&window, file, place] {

@@ -32,6 +32,11 @@ class EditorBox {
   public:
     virtual ~EditorBox() = default;
     virtual Text plainText() const = 0;
+    virtual std::size_t textLength() const { return plainText().size(); }
+    // The characters from `start` up to `end`, both within the text.
+    virtual Text textBetween(std::size_t start, std::size_t end) const {
+        return plainText().substr(start, end - start);
+    }
     // Replaces `length` characters from `start` with `text` as one edit (one
     // undo step) and raises the box's text-changed notification, even when
     // nothing changes.

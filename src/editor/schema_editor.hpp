@@ -78,6 +78,12 @@ class SchemaEditor {
     // editor the focus and puts the caret directly behind the marker.
     void insertAtCaret(Language language, TextView marker);
 
+    // Puts `replacement` in place of `word`, which stands at `start` of the
+    // language's body (a spelling suggestion): the smallest splice, one undo
+    // step, the caret behind the new word. A body that would grow beyond its
+    // limit, or that no longer holds the word there, beeps and stays as it is.
+    void replaceWord(Language language, std::size_t start, TextView word, TextView replacement);
+
     // The marker buttons of one language.
     void leftJustifyClicked(Language language);
     void centreClicked(Language language);

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-// Every text that the program itself shows in a title bar or a message box.
+// Every text that the program itself shows in a title bar, a message box or a menu.
 // Typos are the program's own and are kept as they stand.
 namespace lorekeep::texts {
 
@@ -27,5 +27,9 @@ inline constexpr std::u16string_view kSchemaDefaultExtension = u"sch";
 // The open dialog (Ctrl+O).
 inline constexpr std::u16string_view kOpenDialogTitle = u"Open a schema file";
 inline constexpr std::u16string_view kOpenFilterDescription = u"Schema files (*.sch)";
+
+// The spelling entries of a text box's context menu, above the suggestions'.
+inline constexpr std::u16string_view kAddToDictionary = u"Add to Dictionary";
+inline constexpr std::u16string_view kIgnoreAll = u"Ignore All";
 
 }  // namespace lorekeep::texts

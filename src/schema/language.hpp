@@ -23,13 +23,16 @@ struct LanguageInfo {
     // keyboard focus order (the original's order: Italian, German, English,
     // French).
     int okButtonFocusPlace;
+    // The Hunspell dictionary that spelling checks against (English takes
+    // en_GB where the desktop's locale asks for it).
+    std::string_view dictionary;
 };
 
 inline constexpr std::array kLanguages{
-    LanguageInfo{Language::English, "en", u"English", u"lang_english ", u"English Parsed", 2},
-    LanguageInfo{Language::French, "fr", u"French", u"lang_french ", u"French Parsed", 3},
-    LanguageInfo{Language::German, "de", u"German", u"lang_german ", u"German Parsed", 1},
-    LanguageInfo{Language::Italian, "it", u"Italian", u"lang_italian ", u"Italian Parsed", 0},
+    LanguageInfo{Language::English, "en", u"English", u"lang_english ", u"English Parsed", 2, "en_US"},
+    LanguageInfo{Language::French, "fr", u"French", u"lang_french ", u"French Parsed", 3, "fr_FR"},
+    LanguageInfo{Language::German, "de", u"German", u"lang_german ", u"German Parsed", 1, "de_DE"},
+    LanguageInfo{Language::Italian, "it", u"Italian", u"lang_italian ", u"Italian Parsed", 0, "it_IT"},
 };
 
 inline constexpr int kLanguageCount = static_cast<int>(kLanguages.size());

@@ -398,6 +398,21 @@ void MainWindow::goTo(Language language, bool title, std::size_t position) {
     }
 }
 
+void MainWindow::startSpelling() {
+    if (m_spelling != nullptr) {
+        return;
+    }
+    m_spelling = new SpellingService(this);
+    for (const Language language : kAllLanguages) {
+        new BodySpellCheck(bodyEditor(language), language, m_spelling,
+                           [this, language](std::size_t start, TextView word, TextView with) {
+                               m_editor->replaceWord(language, start, word, with);
+                           });
+        new TitleSpellCheck(languagePages[indexOf(language)]->titleBox, language, m_spelling);
+    }
+    m_spelling->start();
+}
+
 void MainWindow::save(const QString& schemaName, const QString& schemaFolder) {
     m_editor->save(fromQString(schemaName), fromQString(schemaFolder));
 }

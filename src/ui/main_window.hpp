@@ -13,6 +13,7 @@
 #include "editor/schema_editor.hpp"
 #include "ui/language_page.hpp"
 #include "ui/qt_controls.hpp"
+#include "ui/spell_check.hpp"
 #include "ui/tab_container.hpp"
 #include "ui/window_layout.hpp"
 
@@ -46,6 +47,13 @@ class MainWindow : public QWidget {
     // Replaces the message boxes and the file dialog (tests answer them
     // instead of a user). Also starts the window's marker state afresh.
     void setDialogs(editor::MessageBox* messages, editor::FileDialog* dialog);
+
+    // Starts checking the spelling of the titles and bodies: the
+    // dictionaries open in the background, then misspelt words are
+    // underlined. Without this call, nothing is checked.
+    void startSpelling();
+    // Null until startSpelling.
+    SpellingService* spelling() const { return m_spelling; }
 
     // The rtbText boxes: a language's body editor and its preview pane.
     PlainTextBox* bodyEditor(Language language) const;
@@ -92,6 +100,7 @@ class MainWindow : public QWidget {
     SystemClock m_clock;
     editor::WindowControls m_controls;
     std::unique_ptr<editor::SchemaEditor> m_editor;
+    SpellingService* m_spelling = nullptr;
 };
 
 }  // namespace lorekeep::ui

@@ -1,6 +1,7 @@
 #include "ui/text_box.hpp"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
@@ -8,6 +9,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -48,7 +50,12 @@ std::size_t TextBox<Edit>::selectionLength() const {
 
 template <class Edit>
 Text TextBox<Edit>::plainText() const {
-    return textBetween(*this->document(), 0, length());
+    return ui::textBetween(*this->document(), 0, length());
+}
+
+template <class Edit>
+Text TextBox<Edit>::textBetween(std::size_t start, std::size_t end) const {
+    return ui::textBetween(*this->document(), start, end);
 }
 
 template <class Edit>
@@ -90,7 +97,7 @@ std::optional<editor::TextChange> TextBox<Edit>::takeChange() {
     }
     return editor::TextChange{
         m_changeStart, m_changeRemoved,
-        textBetween(*this->document(), m_changeStart, m_changeStart + m_changeAdded)};
+        ui::textBetween(*this->document(), m_changeStart, m_changeStart + m_changeAdded)};
 }
 
 template <class Edit>
@@ -188,7 +195,7 @@ QMimeData* TextBox<Edit>::createMimeDataFromSelection() const {
     // every block end a line break.
     auto* mime = new QMimeData;
     const QTextCursor selection = this->textCursor();
-    mime->setText(toQString(textBetween(*this->document(),
+    mime->setText(toQString(ui::textBetween(*this->document(),
                                         static_cast<std::size_t>(selection.selectionStart()),
                                         static_cast<std::size_t>(selection.selectionEnd()))));
     if (m_copiesFormatting) {
@@ -321,5 +328,31 @@ void TextBox<Edit>::keyPressEvent(QKeyEvent* event) {
 
 template class TextBox<QTextEdit>;
 template class TextBox<QPlainTextEdit>;
+
+std::vector<QTextBlock> PlainTextBox::visibleBlocks() const {
+    std::vector<QTextBlock> shown;
+    const qreal bottom = viewport()->height();
+    QTextBlock block = firstVisibleBlock();
+    qreal top = blockBoundingGeometry(block).translated(contentOffset()).top();
+    for (; block.isValid() && top <= bottom; block = block.next()) {
+        if (block.isVisible()) {
+            shown.push_back(block);
+            top += blockBoundingRect(block).height();
+        }
+    }
+    return shown;
+}
+
+void PlainTextBox::contextMenuEvent(QContextMenuEvent* event) {
+    // From the keyboard, the menu is for the caret's place.
+    const QPoint at = event->reason() == QContextMenuEvent::Keyboard ? cursorRect().center()
+                                                                      : event->pos();
+    std::unique_ptr<QMenu> menu(createStandardContextMenu(at));
+    if (extendContextMenu) {
+        extendContextMenu(*menu, at);
+    }
+    menu->exec(event->globalPos());
+    event->accept();
+}
 
 }  // namespace lorekeep::ui

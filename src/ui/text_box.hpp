@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QPlainTextEdit>
+#include <QTextBlock>
 #include <QTextEdit>
+#include <QMenu>
 #include <functional>
 #include <optional>
+#include <vector>
 
 #include "editor/controls.hpp"
 
@@ -26,6 +29,8 @@ class TextBox : public Edit, public editor::EditorBox {
 
     // editor::EditorBox
     Text plainText() const override;
+    std::size_t textLength() const override { return length(); }
+    Text textBetween(std::size_t start, std::size_t end) const override;
     void replaceRange(std::size_t start, std::size_t length, TextView text) override;
     void beep() override;
     std::size_t caretPosition() const override;
@@ -83,6 +88,16 @@ class PlainTextBox : public TextBox<QPlainTextEdit> {
 
   public:
     explicit PlainTextBox(QWidget* parent = nullptr) : TextBox(parent) {}
+
+    // The blocks the viewport shows, top to bottom.
+    std::vector<QTextBlock> visibleBlocks() const;
+
+    // Adds to the context menu for a place in the viewport, above the
+    // toolkit's own entries.
+    std::function<void(QMenu& menu, QPoint at)> extendContextMenu;
+
+  protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
 };
 
 }  // namespace lorekeep::ui

@@ -132,5 +132,40 @@ TEST(MarkerCommands, EnterIsSuppressedAndOtherCodesPass) {
     }
 }
 
+// A spelling suggestion goes in as the smallest splice, in one replacement,
+// and the preview follows; a word that no longer fits stays as it is.
+TEST(MarkerCommands, ReplaceWordSplicesTheDifferenceOnly) {
+    FakeWindow w;
+    prepare(w, 1, uR"(\n<jc>\nLe mondde\n<br>\n)", 0);
+    const int before = w.boxes[1].replacements;
+    std::optional<TextChange> change;
+    w.boxes[1].onChange = [&](const TextChange& c) {
+        change = c;
+        w.editor.bodyChanged(Language::French, c);
+    };
+    w.editor.replaceWord(Language::French, 10, u"mondde", u"mondes");
+    EXPECT_EQ(w.boxes[1].beeps, 1) << "the word stands one place further on";
+    w.editor.replaceWord(Language::French, 11, u"mondde", u"mondes");
+    EXPECT_EQ(w.boxes[1].text, uR"(\n<jc>\nLe mondes\n<br>\n)");
+    EXPECT_EQ(w.boxes[1].replacements, before + 1);
+    ASSERT_TRUE(change);
+    EXPECT_EQ(change->start, 15u);  // "mond" stays
+    EXPECT_EQ(change->removed, 2u);
+    EXPECT_EQ(change->inserted, u"es");
+    EXPECT_EQ(w.boxes[1].caret, 17u);
+    ASSERT_TRUE(w.pane(Language::French).preview);
+    EXPECT_EQ(*w.pane(Language::French).preview, markup::renderPreview(w.boxes[1].text));
+
+    const Text full(kMaxBodyLength - 3, u'x');
+    prepare(w, 2, full + u" ab", 0);
+    w.editor.replaceWord(Language::German, kMaxBodyLength - 2, u"ab", u"abc");
+    EXPECT_EQ(w.boxes[2].beeps, 1);
+    EXPECT_EQ(w.boxes[2].text.size(), kMaxBodyLength);
+    w.editor.replaceWord(Language::German, kMaxBodyLength, u"ab", u"a");
+    EXPECT_EQ(w.boxes[2].beeps, 2) << "past the end";
+    w.editor.replaceWord(Language::German, kMaxBodyLength - 2, u"ab", u"a");
+    EXPECT_EQ(w.boxes[2].text.substr(kMaxBodyLength - 3), u" a");
+}
+
 }  // namespace
 }  // namespace lorekeep::editor

@@ -48,7 +48,7 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
             onChange(editor::TextChange{start, length, Text(value)});
         }
     }
-    void beep() override {}
+    void beep() override { ++beeps; }
     std::size_t caretPosition() const override { return caret; }
     void setCaretPosition(std::size_t at) override { caret = std::min(at, text.size()); }
     void giveFocus() override { focused = true; }
@@ -68,6 +68,7 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     std::size_t caret = 0;
     bool focused = false;
     int replacements = 0;
+    int beeps = 0;
     std::optional<markup::RenderedPreview> preview;  // what the pane last showed
     std::function<void(const editor::TextChange&)> onChange;
 };
