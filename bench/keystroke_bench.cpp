@@ -4,6 +4,7 @@
 //   marked-up body, timed from the key event to the finished preview, all
 //   inside the event (x11_bench measures the same through a real display);
 // - the same keystroke into a bare QPlainTextEdit holding the same text;
+// - a keystroke with spelling on and off, until the underlines are set;
 // - four 4,000,000-character bodies loaded from a schema file, against four
 //   setPlainText calls on bare editors, with the peak memory of each;
 // - pasting a body of plain words, of words with markers, one without a
@@ -91,6 +92,44 @@ void BM_KeystrokeToPreview(benchmark::State& state) {
         window.previewPane(lorekeep::Language(0))->document()->characterCount() - 1);
 }
 
+// Opens the window's dictionaries and waits until they are open.
+void startSpelling(MainWindow& window) {
+    window.startSpelling();
+    while (window.spelling()->dictionaries() == nullptr) {
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+    }
+}
+
+// A keystroke with spelling on or off: timed from the key event until the
+// window has nothing left to do (the underlines are set a moment after the
+// key, once the edit is laid out).
+void BM_KeystrokeSpelling(benchmark::State& state) {
+    const auto length = static_cast<std::size_t>(state.range(0));
+    MainWindow window;
+    window.show();
+    if (state.range(2) != 0) {
+        startSpelling(window);
+    }
+    auto* editor = window.bodyEditor(lorekeep::Language(0));
+    editor->replaceText(lorekeep::bench::markedUpBody(length));
+    editor->setFocus();
+    QTextCursor cursor = editor->textCursor();
+    cursor.setPosition(static_cast<int>(placeIn(length, state.range(1))));
+    editor->setTextCursor(cursor);
+    editor->ensureCursorVisible();
+    QApplication::processEvents();
+    for (auto _ : state) {
+        type(editor, Qt::Key_X, QStringLiteral("x"));
+        QApplication::processEvents();
+        state.PauseTiming();
+        type(editor, Qt::Key_Backspace, QString());
+        QApplication::processEvents();
+        state.ResumeTiming();
+    }
+    state.counters["underlined"] =
+        static_cast<double>(editor->extraSelections().size());
+}
+
 // The toolkit's own editor with the same text, as setPlainText leaves it.
 void BM_BarePlainTextEditKeystroke(benchmark::State& state) {
     const auto length = static_cast<std::size_t>(state.range(0));
@@ -123,6 +162,7 @@ const QString& fourBodiesFile(std::size_t length) {
 // the four previews.
 void BM_LoadFourBodies(benchmark::State& state) {
     const auto length = static_cast<std::size_t>(state.range(0));
+    const bool spelling = state.range(1) != 0;
     const QString file = fourBodiesFile(length);
     double peak = 0;
     double held = 0;
@@ -130,6 +170,9 @@ void BM_LoadFourBodies(benchmark::State& state) {
         state.PauseTiming();
         auto window = std::make_unique<MainWindow>();
         window->show();
+        if (spelling) {
+            startSpelling(*window);
+        }
         window->folderBox->setText(QFileInfo(file).absolutePath());
         window->nameBox->setText(QStringLiteral("four"));
         QApplication::processEvents();
@@ -247,6 +290,10 @@ BENCHMARK(BM_KeystrokeToPreview)
     ->ArgsProduct({{kSmall, kMillion, kFourMillion, kSixteenMillion},
                    {kAtStart, kInMiddle, kAtEnd}})
     ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_KeystrokeSpelling)
+    ->ArgNames({"chars", "place", "spelling"})
+    ->ArgsProduct({{kFourMillion}, {kAtEnd, kInMiddle}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BarePlainTextEditKeystroke)
     ->ArgNames({"chars", "place"})
     ->ArgsProduct({{kSmall}, {kAtStart, kInMiddle, kAtEnd}})
@@ -254,8 +301,8 @@ BENCHMARK(BM_BarePlainTextEditKeystroke)
 // One iteration each: the peak is that of a process that has not yet held
 // such texts (run each alone for that).
 BENCHMARK(BM_LoadFourBodies)
-    ->ArgNames({"chars"})
-    ->Arg(kFourMillion)
+    ->ArgNames({"chars", "spelling"})
+    ->ArgsProduct({{kFourMillion}, {0, 1}})
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SetPlainTextFourBodies)

@@ -10,6 +10,7 @@ packages=(
     libqt6svg6                               # draws the SVG window icon
     libgtest-dev libgmock-dev                # unit tests
     libbenchmark-dev libxtst-dev             # benchmarks (XTest types into the real window)
+    xvfb xauth                               # the real window on a virtual X display
     libgettextpo-dev gettext                 # lorekeep-tool's PO files, and msgfmt to check them
     pkg-config libenchant-2-dev              # spelling (Enchant) ...
     hunspell-en-us hunspell-fr hunspell-de-de hunspell-it  # ... and its dictionaries

@@ -17,6 +17,8 @@ namespace {
 constexpr std::string_view kUndefinedBytes = "\x81\x8D\x8F\x90\x9D";
 // How much of a tag a message quotes.
 constexpr std::size_t kQuotedTag = 24;
+// Suggestions that a spelling warning names.
+constexpr std::size_t kSuggestions = 3;
 
 // A piece of text fit for a one-line message: control characters as "?",
 // long pieces cut with "...".
@@ -135,7 +137,21 @@ std::size_t firstDifference(TextView a, TextView b) {
 
 }  // namespace
 
-std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file) {
+std::string SpellingReport::message(Language language, TextView word) {
+    auto [known, added] = m_messages.try_emplace({language, Text(word)});
+    if (added) {
+        std::string offered;
+        for (const Text& suggestion : m_dictionaries.suggestions(language, word, kSuggestions)) {
+            offered += (offered.empty() ? " (" : ", ") + toUtf8(suggestion);
+        }
+        known->second = excerpt(word) + " is not in the " + toUtf8(infoOf(language).tabCaption) +
+                        " dictionary" + (offered.empty() ? "" : offered + ")");
+    }
+    return known->second;
+}
+
+std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file,
+                                 SpellingReport* spelling) {
     std::vector<Finding> findings;
     Checker checker(file, findings);
 
@@ -209,6 +225,17 @@ std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file
             }
         }
         checker.checkMarkers(i, entry.body);
+        for (const auto& [field, text] : fields) {
+            if (spelling == nullptr) {
+                break;
+            }
+            for (const spelling::WordSpan& word :
+                 spelling->dictionaries().misspelt(Language(i), text)) {
+                checker.add(i, field, word.start, Severity::Warning,
+                            spelling->message(Language(i),
+                                              text.substr(word.start, word.length)));
+            }
+        }
     }
     return findings;
 }

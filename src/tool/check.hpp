@@ -1,14 +1,31 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "spelling/dictionaries.hpp"
 
 // lorekeep-tool check: what would go wrong with a schema file in the window or
 // the game, found without a window.
 namespace lorekeep::tool {
 
 enum class Severity { Warning, Error };
+
+// Spelling for check --spelling: the dictionaries, and the suggestions
+// already asked for (a dictionary takes tens of milliseconds for each).
+class SpellingReport {
+  public:
+    explicit SpellingReport(spelling::Dictionaries& dictionaries) : m_dictionaries(dictionaries) {}
+    spelling::Dictionaries& dictionaries() { return m_dictionaries; }
+    // "\"mondde\" is not in the French dictionary (monde, monade, mondée)"
+    std::string message(Language language, TextView word);
+
+  private:
+    spelling::Dictionaries& m_dictionaries;
+    std::map<std::pair<Language, Text>, std::string> m_messages;
+};
 
 struct Finding {
     std::string file;
@@ -21,8 +38,10 @@ struct Finding {
     bool operator==(const Finding&) const = default;
 };
 
-// Every finding in one schema file's bytes, in file order.
-std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file);
+// Every finding in one schema file's bytes, in file order; with
+// `dictionaries`, each misspelt word of a title or body too.
+std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file,
+                                 SpellingReport* spelling = nullptr);
 
 // "file: fr body 12: warning: message"
 std::string formatFinding(const Finding& finding);

@@ -1,9 +1,11 @@
 #include "tool/cli.hpp"
 
 #include <filesystem>
+#include <memory>
 #include <iostream>
 #include <optional>
 
+#include "schema/file_reader.hpp"
 #include "tool/check.hpp"
 #include "tool/html.hpp"
 #include "tool/po.hpp"
@@ -26,7 +28,7 @@ std::string codes(bool withEnglish) {
 
 const std::string kUsage =
     "Usage:\n"
-    "  lorekeep-tool check [--format text|json] PATH...\n"
+    "  lorekeep-tool check [--format text|json] [--spelling [--words FILE]] PATH...\n"
     "  lorekeep-tool export -l|--language " +
     codes(false) +
     " [--template] PATH... -o|--output FILE.po\n"
@@ -39,6 +41,8 @@ const std::string kUsage =
     "output; -- ends the options.\n";
 
 constexpr int kUsageError = 2;
+// A mod's word list is a few thousand names, never megabytes.
+constexpr std::size_t kMaxWordListBytes = 16 << 20;
 
 // The arguments of one command: its options with their values, and the rest.
 struct Arguments {
@@ -46,6 +50,8 @@ struct Arguments {
     std::optional<std::string> language;
     std::optional<std::string> output;
     std::optional<std::string> format;
+    std::optional<std::string> words;
+    bool spelling = false;
     bool templateOnly = false;
     bool dryRun = false;
 };
@@ -75,6 +81,12 @@ std::optional<Arguments> parse(const std::vector<std::string>& args, std::ostrea
             if (!value(parsed.format)) {
                 return std::nullopt;
             }
+        } else if (arg == "--words") {
+            if (!value(parsed.words)) {
+                return std::nullopt;
+            }
+        } else if (arg == "--spelling") {
+            parsed.spelling = true;
         } else if (arg == "--template") {
             parsed.templateOnly = true;
         } else if (arg == "--dry-run" || arg == "-n") {
@@ -108,14 +120,58 @@ std::vector<SchemaFile> schemas(const std::vector<std::string>& paths, std::ostr
     return files;
 }
 
+// A mod's own words (names of people and places), one UTF-8 word per line,
+// right in every language for this run. False when the file cannot be read.
+bool addModWords(const std::string& path, spelling::Dictionaries& dictionaries,
+                 std::ostream& err) {
+    std::string bytes;
+    std::string why;
+    if (!readFileBytes(path, kMaxWordListBytes, bytes, &why)) {
+        err << "lorekeep-tool: the word list cannot be read: " << why << "\n";
+        return false;
+    }
+    for (std::size_t at = 0; at < bytes.size();) {
+        const std::size_t end = std::min(bytes.find('\n', at), bytes.size());
+        std::string_view line(bytes.data() + at, end - at);
+        while (!line.empty() && (line.back() == '\r' || line.back() == ' ' || line.back() == '\t')) {
+            line.remove_suffix(1);
+        }
+        while (!line.empty() && (line.front() == ' ' || line.front() == '\t')) {
+            line.remove_prefix(1);
+        }
+        if (!line.empty()) {
+            for (const Language language : kAllLanguages) {
+                dictionaries.ignoreAll(language, fromUtf8(line));
+            }
+        }
+        at = end + 1;
+    }
+    return true;
+}
+
 int check(const Arguments& a, std::ostream& out, std::ostream& err) {
     const std::string format = a.format.value_or("text");
     if ((format != "text" && format != "json") || a.language || a.output || a.templateOnly ||
-        a.dryRun) {
-        return usageError(err, "check takes --format text|json and paths");
+        a.dryRun || (a.words && !a.spelling)) {
+        return usageError(err, "check takes --format text|json, --spelling [--words FILE] and paths");
     }
     if (a.positional.empty()) {
         return usageError(err, "check needs at least one path");
+    }
+    std::unique_ptr<spelling::Dictionaries> dictionaries;
+    std::unique_ptr<SpellingReport> spelling;
+    if (a.spelling) {
+        dictionaries = std::make_unique<spelling::Dictionaries>();
+        for (const Language language : kAllLanguages) {
+            if (!dictionaries->has(language)) {
+                err << "lorekeep-tool: " << dictionaries->missingLine(language) << "; "
+                    << toUtf8(infoOf(language).tabCaption) << " is not checked for spelling\n";
+            }
+        }
+        if (a.words && !addModWords(*a.words, *dictionaries, err)) {
+            return kUsageError;
+        }
+        spelling = std::make_unique<SpellingReport>(*dictionaries);
     }
     std::vector<PathProblem> problems;
     const std::vector<SchemaFile> files = findSchemas(a.positional, problems);
@@ -145,7 +201,7 @@ int check(const Arguments& a, std::ostream& out, std::ostream& err) {
         const std::string name = file.path.generic_string();
         std::string why;
         if (const auto bytes = readSchemaBytes(file.path, &why)) {
-            report(checkSchema(*bytes, name));
+            report(checkSchema(*bytes, name, spelling.get()));
         } else {
             report({{name, "", "file", 0, Severity::Error, "cannot be read: " + why}});
         }
@@ -159,7 +215,7 @@ int check(const Arguments& a, std::ostream& out, std::ostream& err) {
 int exportCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
     const auto language = a.language ? languageFromCode(*a.language) : std::nullopt;
     if (!language || *language == Language::English || !a.output || a.positional.empty() ||
-        a.format || a.dryRun) {
+        a.format || a.dryRun || a.spelling || a.words) {
         return usageError(err,
                           "export needs --language " + codes(false) + ", paths and -o FILE.po");
     }
@@ -170,7 +226,8 @@ int exportCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
 }
 
 int importCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
-    if (a.positional.size() < 2 || a.language || a.output || a.format || a.templateOnly) {
+    if (a.positional.size() < 2 || a.language || a.output || a.format || a.templateOnly ||
+        a.spelling || a.words) {
         return usageError(err, "import needs a PO file and paths");
     }
     bool missing = false;
@@ -183,7 +240,8 @@ int importCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
 int render(const Arguments& a, std::ostream& out, std::ostream& err) {
     const auto language =
         languageFromCode(a.language.value_or(std::string(infoOf(Language::English).code)));
-    if (a.positional.size() != 1 || !language || a.format || a.templateOnly || a.dryRun) {
+    if (a.positional.size() != 1 || !language || a.format || a.templateOnly || a.dryRun ||
+        a.spelling || a.words) {
         return usageError(err, "render needs one schema file and --language " + codes(true));
     }
     const std::string& path = a.positional[0];

@@ -182,5 +182,32 @@ TEST(Check, FormatsFindingsAsLinesAndJson) {
               std::string::npos);
 }
 
+// Each misspelt word of a title or body is a warning at its place, in
+// file order, with the dictionary's first suggestions; a mod's own words
+// count as right in every language.
+TEST(Check, ReportsMisspeltWordsAgainstEachLanguagesDictionary) {
+    const std::string bytes = saved(u"The wrold\\n<dc=255,0,0>\\nWelt", u"Le mondde\\n<jc>\\nWelt");
+    spelling::Dictionaries dictionaries;
+    SpellingReport report(dictionaries);
+    std::vector<std::string> lines;
+    for (const Finding& f : checkSchema(bytes, "t.sch", &report)) {
+        lines.push_back(f.language + " " + f.field + " " + std::to_string(f.position) + " " +
+                        (f.severity == Severity::Warning ? "warning: " : "error: ") + f.message);
+    }
+    // "Welt" is right in English and German, and no French word.
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0], "en body 4 warning: \"wrold\" is not in the English dictionary (world, wold)");
+    EXPECT_EQ(lines[1],
+              "fr body 3 warning: \"mondde\" is not in the French dictionary (monde, monade, mondée)");
+    EXPECT_TRUE(lines[2].starts_with("fr body 17 warning: \"Welt\" is not in the French dictionary"))
+        << lines[2];
+
+    dictionaries.ignoreAll(Language::English, u"wrold");
+    const std::vector<Finding> after = checkSchema(bytes, "t.sch", &report);
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_EQ(after[0].language, "fr");
+    EXPECT_TRUE(checkSchema(saved(u"The world"), "t.sch", &report).empty());
+}
+
 }  // namespace
 }  // namespace lorekeep::tool

@@ -42,6 +42,19 @@ expect 0 "check a clean folder" "$tool" check "$data/clean"
 [ -s "$work/out" ] && { echo "FAIL: clean folder printed findings"; cat "$work/out"; failed=1; }
 expect 1 "check a broken file" "$tool" check "$data/clean" "$data/broken.sch"
 contains "broken file" "broken.sch: file 0: error: does not load"
+# Spelling: warnings only; a mod's word list and a missing dictionary.
+expect 0 "spelling" "$tool" check --spelling "$data/clean"
+contains "spelling" 'intro.sch: en body 9: warning: "traveller" is not in the English dictionary ('
+printf 'Traveller\r\n  traveller \n' >"$work/words"
+expect 0 "spelling with a word list" "$tool" check --spelling --words "$work/words" "$data/clean"
+[ -s "$work/out" ] && { echo "FAIL: the word list's words were reported"; cat "$work/out"; failed=1; }
+expect 0 "spelling without a dictionary" env LOREKEEP_DICTIONARIES=en=xx_NONE \
+    "$tool" check --spelling "$data/clean"
+if [ -s "$work/out" ] || ! grep -qF "no English spelling dictionary (xx_NONE" "$work/err"; then
+    echo "FAIL: a missing dictionary"; cat "$work/out" "$work/err"; failed=1
+fi
+expect 2 "a word list without --spelling" "$tool" check --words "$work/words" "$data/clean"
+expect 2 "a missing word list" "$tool" check --spelling --words "$work/none" "$data/clean"
 expect 1 "check a missing path" "$tool" check "$data/clean" "$work/missing"
 expect 1 "json" "$tool" check --format json "$data/broken.sch"
 contains "json" '"severity":"error"'
