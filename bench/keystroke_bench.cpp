@@ -126,8 +126,7 @@ void BM_KeystrokeSpelling(benchmark::State& state) {
         QApplication::processEvents();
         state.ResumeTiming();
     }
-    state.counters["underlined"] =
-        static_cast<double>(editor->extraSelections().size());
+    state.counters["underlined"] = static_cast<double>(editor->extraSelections().size());
 }
 
 // The toolkit's own editor with the same text, as setPlainText leaves it.

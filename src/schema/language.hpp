@@ -29,10 +29,12 @@ struct LanguageInfo {
 };
 
 inline constexpr std::array kLanguages{
-    LanguageInfo{Language::English, "en", u"English", u"lang_english ", u"English Parsed", 2, "en_US"},
+    LanguageInfo{Language::English, "en", u"English", u"lang_english ", u"English Parsed", 2,
+                 "en_US"},
     LanguageInfo{Language::French, "fr", u"French", u"lang_french ", u"French Parsed", 3, "fr_FR"},
     LanguageInfo{Language::German, "de", u"German", u"lang_german ", u"German Parsed", 1, "de_DE"},
-    LanguageInfo{Language::Italian, "it", u"Italian", u"lang_italian ", u"Italian Parsed", 0, "it_IT"},
+    LanguageInfo{Language::Italian, "it", u"Italian", u"lang_italian ", u"Italian Parsed", 0,
+                 "it_IT"},
 };
 
 inline constexpr int kLanguageCount = static_cast<int>(kLanguages.size());

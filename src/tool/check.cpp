@@ -232,8 +232,7 @@ std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file
             for (const spelling::WordSpan& word :
                  spelling->dictionaries().misspelt(Language(i), text)) {
                 checker.add(i, field, word.start, Severity::Warning,
-                            spelling->message(Language(i),
-                                              text.substr(word.start, word.length)));
+                            spelling->message(Language(i), text.substr(word.start, word.length)));
             }
         }
     }

@@ -1,8 +1,8 @@
 #include "tool/cli.hpp"
 
 #include <filesystem>
-#include <memory>
 #include <iostream>
+#include <memory>
 #include <optional>
 
 #include "schema/file_reader.hpp"
@@ -122,8 +122,7 @@ std::vector<SchemaFile> schemas(const std::vector<std::string>& paths, std::ostr
 
 // A mod's own words (names of people and places), one UTF-8 word per line,
 // right in every language for this run. False when the file cannot be read.
-bool addModWords(const std::string& path, spelling::Dictionaries& dictionaries,
-                 std::ostream& err) {
+bool addModWords(const std::string& path, spelling::Dictionaries& dictionaries, std::ostream& err) {
     std::string bytes;
     std::string why;
     if (!readFileBytes(path, kMaxWordListBytes, bytes, &why)) {
@@ -133,7 +132,8 @@ bool addModWords(const std::string& path, spelling::Dictionaries& dictionaries,
     for (std::size_t at = 0; at < bytes.size();) {
         const std::size_t end = std::min(bytes.find('\n', at), bytes.size());
         std::string_view line(bytes.data() + at, end - at);
-        while (!line.empty() && (line.back() == '\r' || line.back() == ' ' || line.back() == '\t')) {
+        while (!line.empty() &&
+               (line.back() == '\r' || line.back() == ' ' || line.back() == '\t')) {
             line.remove_suffix(1);
         }
         while (!line.empty() && (line.front() == ' ' || line.front() == '\t')) {
@@ -153,7 +153,8 @@ int check(const Arguments& a, std::ostream& out, std::ostream& err) {
     const std::string format = a.format.value_or("text");
     if ((format != "text" && format != "json") || a.language || a.output || a.templateOnly ||
         a.dryRun || (a.words && !a.spelling)) {
-        return usageError(err, "check takes --format text|json, --spelling [--words FILE] and paths");
+        return usageError(err,
+                          "check takes --format text|json, --spelling [--words FILE] and paths");
     }
     if (a.positional.empty()) {
         return usageError(err, "check needs at least one path");

@@ -98,8 +98,8 @@ QTextCharFormat SpellingService::misspeltFormat() {
 
 // What a block's last check found, kept with the block.
 struct BodySpellCheck::Checked : QTextBlockUserData {
-    int generation = -1;  // of the service, when checked
-    bool stale = true;    // an edit has reached the block since
+    int generation = -1;                       // of the service, when checked
+    bool stale = true;                         // an edit has reached the block since
     std::vector<spelling::WordSpan> misspelt;  // from the block's start
 };
 
@@ -117,6 +117,12 @@ BodySpellCheck::BodySpellCheck(PlainTextBox* editor, Language language, Spelling
     auto later = [this] { m_refresh.start(); };
     connect(editor->document(), &QTextDocument::contentsChange, this,
             &BodySpellCheck::documentChanged);
+    // An edit's underlines are set at once, laid out with it, so that the
+    // edit is painted once, underlines and all.
+    connect(editor, &QPlainTextEdit::textChanged, this, [this] {
+        m_refresh.stop();
+        refresh();
+    });
     // A scroll, however made (the scroll bar's own signal stays silent when
     // the caret moves the view).
     connect(editor, &QPlainTextEdit::updateRequest, this, [this](const QRect&, int dy) {
@@ -149,7 +155,6 @@ void BodySpellCheck::documentChanged(int position, int removed, int added) {
             checked->stale = true;
         }
     }
-    m_refresh.start();
 }
 
 const BodySpellCheck::Checked& BodySpellCheck::checkedBlock(const QTextBlock& block) {
@@ -251,9 +256,9 @@ void TitleSpellCheck::refresh() {
     Stretches misspelt;
     spelling::Dictionaries* dictionaries = m_service->dictionaries();
     const Text text = fromQString(m_box->text());
-    for (const spelling::WordSpan& word :
-         dictionaries != nullptr ? dictionaries->misspelt(m_language, text)
-                                 : std::vector<spelling::WordSpan>()) {
+    for (const spelling::WordSpan& word : dictionaries != nullptr
+                                              ? dictionaries->misspelt(m_language, text)
+                                              : std::vector<spelling::WordSpan>()) {
         misspelt.emplace_back(word.start, word.start + word.length);
     }
     if (misspelt == m_underlined) {
@@ -278,9 +283,9 @@ bool TitleSpellCheck::eventFilter(QObject* watched, QEvent* event) {
         return QObject::eventFilter(watched, event);
     }
     auto* request = static_cast<QContextMenuEvent*>(event);
-    const auto position = static_cast<std::size_t>(
-        request->reason() == QContextMenuEvent::Keyboard ? m_box->cursorPosition()
-                                                         : m_box->cursorPositionAt(request->pos()));
+    const auto position = static_cast<std::size_t>(request->reason() == QContextMenuEvent::Keyboard
+                                                       ? m_box->cursorPosition()
+                                                       : m_box->cursorPositionAt(request->pos()));
     std::unique_ptr<QMenu> menu(m_box->createStandardContextMenu());
     for (const auto& [start, end] : m_underlined) {
         if (start <= position && position <= end) {

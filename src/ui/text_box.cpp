@@ -196,8 +196,8 @@ QMimeData* TextBox<Edit>::createMimeDataFromSelection() const {
     auto* mime = new QMimeData;
     const QTextCursor selection = this->textCursor();
     mime->setText(toQString(ui::textBetween(*this->document(),
-                                        static_cast<std::size_t>(selection.selectionStart()),
-                                        static_cast<std::size_t>(selection.selectionEnd()))));
+                                            static_cast<std::size_t>(selection.selectionStart()),
+                                            static_cast<std::size_t>(selection.selectionEnd()))));
     if (m_copiesFormatting) {
         mime->setHtml(htmlBetween(*this->document(),
                                   static_cast<std::size_t>(selection.selectionStart()),
@@ -345,13 +345,14 @@ std::vector<QTextBlock> PlainTextBox::visibleBlocks() const {
 
 void PlainTextBox::contextMenuEvent(QContextMenuEvent* event) {
     // From the keyboard, the menu is for the caret's place.
-    const QPoint at = event->reason() == QContextMenuEvent::Keyboard ? cursorRect().center()
-                                                                      : event->pos();
+    const QPoint at =
+        event->reason() == QContextMenuEvent::Keyboard ? cursorRect().center() : event->pos();
     std::unique_ptr<QMenu> menu(createStandardContextMenu(at));
     if (extendContextMenu) {
         extendContextMenu(*menu, at);
     }
-    menu->exec(event->globalPos());
+    menu->exec(event->reason() == QContextMenuEvent::Keyboard ? viewport()->mapToGlobal(at)
+                                                              : event->globalPos());
     event->accept();
 }
 

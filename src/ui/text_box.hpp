@@ -1,9 +1,9 @@
 #pragma once
 
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QTextBlock>
 #include <QTextEdit>
-#include <QMenu>
 #include <functional>
 #include <optional>
 #include <vector>

@@ -52,8 +52,7 @@ TEST_F(DictionariesTest, FlagWhatTheLanguageDoesNotSpellThatWay) {
         {Language::English, u"a well-known word-wrold", {u"word-wrold"}},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(misspeltWords(dictionaries, c.language, c.text), c.misspelt)
-            << toUtf8(c.text);
+        EXPECT_EQ(misspeltWords(dictionaries, c.language, c.text), c.misspelt) << toUtf8(c.text);
     }
     const std::vector<Text> offered = dictionaries.suggestions(Language::French, u"mondde", 7);
     ASSERT_FALSE(offered.empty());
@@ -102,8 +101,7 @@ TEST(DictionaryCandidates, FollowOverridesThenTheLocale) {
     EXPECT_EQ(dictionaryCandidates(Language::English, "en_GB.UTF-8", ""), (V{"en_GB", "en_US"}));
     EXPECT_EQ(dictionaryCandidates(Language::French, "en_GB", "fr=fr_CA,en=en_AU,fr=fr_BE,fr="),
               (V{"fr_CA", "fr_BE"}));
-    EXPECT_EQ(dictionaryCandidates(Language::English, "en_GB", "fr=fr_CA,en=en_AU"),
-              V{"en_AU"});
+    EXPECT_EQ(dictionaryCandidates(Language::English, "en_GB", "fr=fr_CA,en=en_AU"), V{"en_AU"});
     EXPECT_EQ(dictionaryCandidates(Language::Italian, "", "it"), V{"it_IT"});
 }
 

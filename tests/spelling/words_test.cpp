@@ -31,8 +31,8 @@ TEST(Words, AreWhatAModderReadsBetweenTheMarkup) {
         {u"a <b>bold</b> move", {u"a", u"bold", u"move"}},
         {u"1 < 2 and 3 > 2 or", {u"or"}},  // "< 2 and 3 >" reads as a tag
         {u"42 3rd 1er 2nd3 x1 année", {u"année"}},
-        {u"l'homme aujourd’hui dell'anno peut-être", {u"l'homme", u"aujourd’hui",
-                                                       u"dell'anno", u"peut-être"}},
+        {u"l'homme aujourd’hui dell'anno peut-être",
+         {u"l'homme", u"aujourd’hui", u"dell'anno", u"peut-être"}},
         {u"'quoted' -dash- trailing' end-", {u"quoted", u"dash", u"trailing", u"end"}},
         {u"Straße, Œuvre; naïve. Ça", {u"Straße", u"Œuvre", u"naïve", u"Ça"}},
         {u"C:\\Games\\nSave", {u"C", u"Games", u"Save"}},

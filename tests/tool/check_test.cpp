@@ -7,6 +7,7 @@
 #include "schema/limits.hpp"
 #include "schema/schema_writer.hpp"
 #include "support/fakes.hpp"
+#include "support/test_support.hpp"
 #include "tool/check.hpp"
 
 namespace lorekeep::tool {
@@ -186,6 +187,8 @@ TEST(Check, FormatsFindingsAsLinesAndJson) {
 // file order, with the dictionary's first suggestions; a mod's own words
 // count as right in every language.
 TEST(Check, ReportsMisspeltWordsAgainstEachLanguagesDictionary) {
+    const testing::TempDir personal;  // the machine's own word lists stay out of it
+    setenv("ENCHANT_CONFIG_DIR", personal.path().c_str(), 1);
     const std::string bytes = saved(u"The wrold\\n<dc=255,0,0>\\nWelt", u"Le mondde\\n<jc>\\nWelt");
     spelling::Dictionaries dictionaries;
     SpellingReport report(dictionaries);
@@ -196,10 +199,13 @@ TEST(Check, ReportsMisspeltWordsAgainstEachLanguagesDictionary) {
     }
     // "Welt" is right in English and German, and no French word.
     ASSERT_EQ(lines.size(), 3u);
-    EXPECT_EQ(lines[0], "en body 4 warning: \"wrold\" is not in the English dictionary (world, wold)");
-    EXPECT_EQ(lines[1],
-              "fr body 3 warning: \"mondde\" is not in the French dictionary (monde, monade, mondée)");
-    EXPECT_TRUE(lines[2].starts_with("fr body 17 warning: \"Welt\" is not in the French dictionary"))
+    EXPECT_EQ(lines[0],
+              "en body 4 warning: \"wrold\" is not in the English dictionary (world, wold)");
+    EXPECT_EQ(
+        lines[1],
+        "fr body 3 warning: \"mondde\" is not in the French dictionary (monde, monade, mondée)");
+    EXPECT_TRUE(
+        lines[2].starts_with("fr body 17 warning: \"Welt\" is not in the French dictionary"))
         << lines[2];
 
     dictionaries.ignoreAll(Language::English, u"wrold");

@@ -99,15 +99,15 @@ class SpellingTest : public QObject {
         QVERIFY(m_window->previewPane(Language::French)->extraSelections().isEmpty());
     }
 
-    // A keystroke checks its block again.
+    // A keystroke checks its block again, in time for the edit's own paint.
     void typingUnderlinesAndCorrects() {
         PlainTextBox* french = body(Language::French);
         french->setFocus();
         QTest::keyClicks(french, "Le mondde ");
-        QTRY_COMPARE(bodyCheck(Language::French)->underlined(), (Stretches{{3, 9}}));
+        QCOMPARE(bodyCheck(Language::French)->underlined(), (Stretches{{3, 9}}));
         french->setCaretPosition(8);
         QTest::keyClick(french, Qt::Key_Backspace);
-        QTRY_COMPARE(bodyCheck(Language::French)->underlined(), Stretches{});
+        QCOMPARE(bodyCheck(Language::French)->underlined(), Stretches{});
     }
 
     // A suggestion goes in as one undo step and the preview follows.
@@ -121,8 +121,8 @@ class SpellingTest : public QObject {
             QVERIFY2(add >= 1 && add <= 7, qPrintable(shown.join(u',')));
             QCOMPARE(shown[0], QStringLiteral("monde"));
             QCOMPARE(shown.mid(add, 3),
-                     (QStringList{toQString(texts::kAddToDictionary),
-                                  toQString(texts::kIgnoreAll), QStringLiteral("|")}));
+                     (QStringList{toQString(texts::kAddToDictionary), toQString(texts::kIgnoreAll),
+                                  QStringLiteral("|")}));
             QVERIFY(shown.size() > add + 3);  // the editor's own entries follow
             menu.actions()[0]->trigger();
         });

@@ -29,8 +29,10 @@ void writeSchema(const std::string& path, const std::string& title, const std::s
     file << "VERSION 2.0\r\nTextEntry\r\nx\r\n";
     for (const char* key : {"lang_english", "lang_french", "lang_german", "lang_italian"}) {
         const bool french = std::string(key) == "lang_french";
-        file << key << " 2026-11-25 10:00:00 \"\\n<font=Papyrus14>\\n\\n<title="
-             << (french ? title : "") << ">\\n" << (french ? body : "") << "\"\r\n";
+        file << key
+             << " 2026-11-25 10:00:00 \"\\n<font=Papyrus14>\\n\\n<title=" << (french ? title : "")
+             << ">\\n"
+             << (french ? body : "") << "\"\r\n";
     }
 }
 
@@ -112,8 +114,9 @@ int main(int argc, char* argv[]) {
     std::remove(correct.c_str());
     rmdir(folder);
     XCloseDisplay(display);
-    std::printf("red underlines: %d with a misspelt body (2 expected), %d with a correct one "
-                "(1 expected, the title's)\n",
-                misspeltBands, correctBands);
+    std::printf(
+        "red underlines: %d with a misspelt body (2 expected), %d with a correct one "
+        "(1 expected, the title's)\n",
+        misspeltBands, correctBands);
     return misspeltBands == 2 && correctBands == 1 ? 0 : 1;
 }
