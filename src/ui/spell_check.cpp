@@ -18,6 +18,9 @@ namespace {
 
 // As many suggestions as a menu shows.
 constexpr std::size_t kMostSuggestions = 7;
+// A title box shows one line: a title longer than this (it may hold
+// millions of characters) is checked this far, so that a key costs the same.
+constexpr std::size_t kCheckedTitleLength = 65536;
 
 using Stretches = std::vector<std::pair<std::size_t, std::size_t>>;
 
@@ -110,7 +113,8 @@ BodySpellCheck::BodySpellCheck(PlainTextBox* editor, Language language, Spelling
       m_language(language),
       m_service(service),
       m_replaceWord(std::move(replaceWord)) {
-    // Once the edit or the scroll that asked for it has been laid out.
+    // A scroll, a resize, a page shown or the dictionaries changed: checked
+    // once the change has been laid out.
     m_refresh.setSingleShot(true);
     m_refresh.setInterval(0);
     connect(&m_refresh, &QTimer::timeout, this, &BodySpellCheck::refresh);
@@ -255,10 +259,12 @@ TitleSpellCheck::TitleSpellCheck(QLineEdit* box, Language language, SpellingServ
 void TitleSpellCheck::refresh() {
     Stretches misspelt;
     spelling::Dictionaries* dictionaries = m_service->dictionaries();
-    const Text text = fromQString(m_box->text());
-    for (const spelling::WordSpan& word : dictionaries != nullptr
-                                              ? dictionaries->misspelt(m_language, text)
-                                              : std::vector<spelling::WordSpan>()) {
+    const Text text = fromQString(
+        m_box->text().left(static_cast<qsizetype>(kCheckedTitleLength + spelling::kWordContext)));
+    const std::vector<spelling::WordSpan> words =
+        dictionaries != nullptr ? dictionaries->misspelt(m_language, text, 0, kCheckedTitleLength)
+                                : std::vector<spelling::WordSpan>();
+    for (const spelling::WordSpan& word : words) {
         misspelt.emplace_back(word.start, word.start + word.length);
     }
     if (misspelt == m_underlined) {

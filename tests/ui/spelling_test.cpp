@@ -96,6 +96,10 @@ class SpellingTest : public QObject {
         QTRY_COMPARE(bodyCheck(Language::French)->underlined(), (Stretches{{19, 25}, {41, 45}}));
         m_window->languagePages[1]->titleBox->setText(QStringLiteral("La Tourr, 2"));
         QCOMPARE(titleCheck(Language::French)->underlined(), (Stretches{{3, 8}}));
+        // A title of millions of characters is checked in its first 65,536.
+        m_window->languagePages[1]->titleBox->setText(
+            QStringLiteral("La Tourr ") + QString(70000, u'a') + QStringLiteral(" mondde"));
+        QCOMPARE(titleCheck(Language::French)->underlined(), (Stretches{{3, 8}}));
         QVERIFY(m_window->previewPane(Language::French)->extraSelections().isEmpty());
     }
 
