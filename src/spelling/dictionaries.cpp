@@ -118,8 +118,9 @@ std::string Dictionaries::missingLine(Language language) const {
     for (const std::string& name : tried) {
         names += (names.empty() ? "" : " or ") + name;
     }
-    return "no " + toUtf8(infoOf(language).tabCaption) + " spelling dictionary (" + names +
-           " is not installed)";
+    const std::string caption = toUtf8(infoOf(language).tabCaption);
+    return "no " + caption + " spelling dictionary (" + names + " is not installed): " + caption +
+           " is not checked";
 }
 
 bool Dictionaries::isCorrect(Language language, TextView word) {
@@ -164,7 +165,8 @@ void Dictionaries::addToPersonal(Language language, TextView word) {
     if (EnchantDict* dictionary = d->of(language); dictionary != nullptr && !word.empty()) {
         const std::string utf8 = toUtf8(word);
         enchant_dict_add(dictionary, utf8.data(), static_cast<ssize_t>(utf8.size()));
-        d->answers[indexOf(language)].insert_or_assign(Text(word), true);
+        // The dictionary may now take other forms too ("ZORBAXE" after "Zorbaxe").
+        d->answers[indexOf(language)].clear();
     }
 }
 
@@ -172,7 +174,7 @@ void Dictionaries::ignoreAll(Language language, TextView word) {
     if (EnchantDict* dictionary = d->of(language); dictionary != nullptr && !word.empty()) {
         const std::string utf8 = toUtf8(word);
         enchant_dict_add_to_session(dictionary, utf8.data(), static_cast<ssize_t>(utf8.size()));
-        d->answers[indexOf(language)].insert_or_assign(Text(word), true);
+        d->answers[indexOf(language)].clear();
     }
 }
 

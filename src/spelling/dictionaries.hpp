@@ -41,7 +41,8 @@ class Dictionaries {
     bool has(Language language) const;
     // The dictionary's name ("fr_FR"); empty when there is none.
     const std::string& nameOf(Language language) const;
-    // "no French spelling dictionary (fr_FR is not installed)"
+    // "no French spelling dictionary (fr_FR is not installed): French is not
+    // checked"
     std::string missingLine(Language language) const;
 
     // The word is spelt right: in the dictionary, the personal word list or

@@ -6,9 +6,11 @@
 #include "markup/text.hpp"
 
 // Which stretches of a title or body are words to check for spelling. The
-// markup is read by the markup scanner: markers, the separators "\n" and
-// anything inside "<...>" are never words, and a word after a separator
-// starts after it ("\nHello" holds "Hello").
+// markup is read as written, through the markup scanner: markers, the
+// separators "\n" and anything inside "<...>" (of up to kLongestTag
+// characters) are never words, and a word after a separator starts after it
+// ("\nHello" holds "Hello"). Every construct is short, so a stretch read with
+// kWordContext around it gives the words of the whole text there.
 namespace lorekeep::spelling {
 
 struct WordSpan {

@@ -141,7 +141,14 @@ std::string SpellingReport::message(Language language, TextView word) {
     auto [known, added] = m_messages.try_emplace({language, Text(word)});
     if (added) {
         std::string offered;
-        for (const Text& suggestion : m_dictionaries.suggestions(language, word, kSuggestions)) {
+        // Suggestions cost the dictionary tens of milliseconds a word: a mod
+        // full of names of its own would otherwise take hours.
+        const std::vector<Text> suggestions =
+            m_suggested < m_suggestedWords
+                ? m_dictionaries.suggestions(language, word, kSuggestions)
+                : std::vector<Text>();
+        ++m_suggested;
+        for (const Text& suggestion : suggestions) {
             offered += (offered.empty() ? " (" : ", ") + toUtf8(suggestion);
         }
         known->second = excerpt(word) + " is not in the " + toUtf8(infoOf(language).tabCaption) +
@@ -149,6 +156,19 @@ std::string SpellingReport::message(Language language, TextView word) {
     }
     return known->second;
 }
+
+namespace {
+
+void checkSpelling(Checker& checker, SpellingReport& spelling, int language, const char* field,
+                   TextView text) {
+    for (const spelling::WordSpan& word :
+         spelling.dictionaries().misspelt(Language(language), text)) {
+        checker.add(language, field, word.start, Severity::Warning,
+                    spelling.message(Language(language), text.substr(word.start, word.length)));
+    }
+}
+
+}  // namespace
 
 std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file,
                                  SpellingReport* spelling) {
@@ -223,17 +243,18 @@ std::vector<Finding> checkSchema(std::string_view bytes, const std::string& file
                 checker.add(i, field, 0, Severity::Warning,
                             std::string("the same as the English ") + field + ": not translated?");
             }
+            if (title && spelling != nullptr) {
+                checkSpelling(checker, *spelling, i, field, text);
+            }
         }
+        // The body's findings in the order of their places.
+        const std::size_t bodyFrom = findings.size();
         checker.checkMarkers(i, entry.body);
-        for (const auto& [field, text] : fields) {
-            if (spelling == nullptr) {
-                break;
-            }
-            for (const spelling::WordSpan& word :
-                 spelling->dictionaries().misspelt(Language(i), text)) {
-                checker.add(i, field, word.start, Severity::Warning,
-                            spelling->message(Language(i), text.substr(word.start, word.length)));
-            }
+        if (spelling != nullptr) {
+            checkSpelling(checker, *spelling, i, "body", entry.body);
+            std::stable_sort(
+                findings.begin() + static_cast<std::ptrdiff_t>(bodyFrom), findings.end(),
+                [](const Finding& a, const Finding& b) { return a.position < b.position; });
         }
     }
     return findings;

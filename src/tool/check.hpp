@@ -13,11 +13,17 @@ namespace lorekeep::tool {
 
 enum class Severity { Warning, Error };
 
-// Spelling for check --spelling: the dictionaries, and the suggestions
-// already asked for (a dictionary takes tens of milliseconds for each).
+// Spelling for check --spelling: the dictionaries, and the messages already
+// made. The first kSuggestedWords different misspelt words of a run name
+// the dictionary's suggestions (it takes tens of milliseconds for each);
+// the rest are reported without.
+inline constexpr std::size_t kSuggestedWords = 50;
+
 class SpellingReport {
   public:
-    explicit SpellingReport(spelling::Dictionaries& dictionaries) : m_dictionaries(dictionaries) {}
+    explicit SpellingReport(spelling::Dictionaries& dictionaries,
+                            std::size_t suggestedWords = kSuggestedWords)
+        : m_dictionaries(dictionaries), m_suggestedWords(suggestedWords) {}
     spelling::Dictionaries& dictionaries() { return m_dictionaries; }
     // "\"mondde\" is not in the French dictionary (monde, monade, mondée)"
     std::string message(Language language, TextView word);
@@ -25,6 +31,8 @@ class SpellingReport {
   private:
     spelling::Dictionaries& m_dictionaries;
     std::map<std::pair<Language, Text>, std::string> m_messages;
+    std::size_t m_suggestedWords;
+    std::size_t m_suggested = 0;
 };
 
 struct Finding {

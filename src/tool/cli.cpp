@@ -165,8 +165,7 @@ int check(const Arguments& a, std::ostream& out, std::ostream& err) {
         dictionaries = std::make_unique<spelling::Dictionaries>();
         for (const Language language : kAllLanguages) {
             if (!dictionaries->has(language)) {
-                err << "lorekeep-tool: " << dictionaries->missingLine(language) << "; "
-                    << toUtf8(infoOf(language).tabCaption) << " is not checked for spelling\n";
+                err << "lorekeep-tool: " << dictionaries->missingLine(language) << "\n";
             }
         }
         if (a.words && !addModWords(*a.words, *dictionaries, err)) {

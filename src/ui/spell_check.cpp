@@ -1,8 +1,10 @@
 #include "ui/spell_check.hpp"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QInputMethodEvent>
+#include <QPointer>
 #include <QTextBlock>
 #include <QTextBlockUserData>
 #include <iostream>
@@ -44,8 +46,7 @@ void SpellingService::start() {
         m_dictionaries = std::move(m_loaded);
         for (const Language language : kAllLanguages) {
             if (!m_dictionaries->has(language)) {
-                std::cerr << "lorekeep: " << m_dictionaries->missingLine(language) << "; "
-                          << toUtf8(infoOf(language).tabCaption) << " is not checked\n";
+                std::cerr << "lorekeep: " << m_dictionaries->missingLine(language) << "\n";
             }
         }
         ++m_generation;
@@ -267,24 +268,37 @@ void TitleSpellCheck::refresh() {
     for (const spelling::WordSpan& word : words) {
         misspelt.emplace_back(word.start, word.start + word.length);
     }
-    if (misspelt == m_underlined) {
+    m_underlined = misspelt;
+    underline();
+}
+
+void TitleSpellCheck::underline() {
+    // Never while an input method composes: the box would take the event
+    // for the end of the composition.
+    if (m_composing) {
         return;
     }
-    m_underlined = misspelt;
     // A line box takes formats for its text only as an input method gives
     // them: an event that commits nothing and carries only the formats,
-    // placed from the caret.
+    // placed from the caret. Each event of a real input method replaces
+    // them, so they are given again after each.
     QList<QInputMethodEvent::Attribute> formats;
     const int caret = m_box->cursorPosition();
-    for (const auto& [start, end] : misspelt) {
+    for (const auto& [start, end] : m_underlined) {
         formats.append({QInputMethodEvent::TextFormat, static_cast<int>(start) - caret,
                         static_cast<int>(end - start), SpellingService::misspeltFormat()});
     }
     QInputMethodEvent event(QString(), formats);
+    m_underlining = true;
     QCoreApplication::sendEvent(m_box, &event);
+    m_underlining = false;
 }
 
 bool TitleSpellCheck::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::InputMethod && !m_underlining) {
+        m_composing = !static_cast<QInputMethodEvent*>(event)->preeditString().isEmpty();
+        QTimer::singleShot(0, this, &TitleSpellCheck::underline);
+    }
     if (event->type() != QEvent::ContextMenu || m_service->dictionaries() == nullptr) {
         return QObject::eventFilter(watched, event);
     }
@@ -292,12 +306,17 @@ bool TitleSpellCheck::eventFilter(QObject* watched, QEvent* event) {
     const auto position = static_cast<std::size_t>(request->reason() == QContextMenuEvent::Keyboard
                                                        ? m_box->cursorPosition()
                                                        : m_box->cursorPositionAt(request->pos()));
-    std::unique_ptr<QMenu> menu(m_box->createStandardContextMenu());
+    QPointer<QMenu> menu = m_box->createStandardContextMenu();
     for (const auto& [start, end] : m_underlined) {
         if (start <= position && position <= end) {
             const Text word = fromQString(m_box->text().mid(static_cast<qsizetype>(start),
                                                             static_cast<qsizetype>(end - start)));
             m_service->extendMenu(*menu, m_language, word, [this, start, word](TextView with) {
+                // Never a word cut short by the box's limit.
+                if (m_box->text().size() - word.size() + with.size() > m_box->maxLength()) {
+                    QApplication::beep();
+                    return;
+                }
                 // The smallest splice, as one undoable edit of the box.
                 const editor::Splice change = editor::smallestChange(word, with);
                 m_box->setSelection(static_cast<int>(start + change.start),
@@ -307,7 +326,11 @@ bool TitleSpellCheck::eventFilter(QObject* watched, QEvent* event) {
             break;
         }
     }
-    menu->exec(request->globalPos());
+    menu->exec(
+        request->reason() == QContextMenuEvent::Keyboard
+            ? m_box->mapToGlobal(m_box->inputMethodQuery(Qt::ImCursorRectangle).toRect().center())
+            : request->globalPos());
+    delete menu;  // unless the box, its parent, went while it was open
     return true;
 }
 

@@ -101,11 +101,15 @@ class TitleSpellCheck : public QObject {
 
   private:
     void refresh();
+    // Gives the box the underlines of m_underlined.
+    void underline();
 
     QLineEdit* m_box;
     Language m_language;
     SpellingService* m_service;
     std::vector<std::pair<std::size_t, std::size_t>> m_underlined;
+    bool m_underlining = false;  // the input method event is ours
+    bool m_composing = false;    // an input method is composing text in the box
 };
 
 }  // namespace lorekeep::ui

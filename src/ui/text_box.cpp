@@ -5,11 +5,11 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
-#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -347,12 +347,13 @@ void PlainTextBox::contextMenuEvent(QContextMenuEvent* event) {
     // From the keyboard, the menu is for the caret's place.
     const QPoint at =
         event->reason() == QContextMenuEvent::Keyboard ? cursorRect().center() : event->pos();
-    std::unique_ptr<QMenu> menu(createStandardContextMenu(at));
+    QPointer<QMenu> menu = createStandardContextMenu();
     if (extendContextMenu) {
         extendContextMenu(*menu, at);
     }
     menu->exec(event->reason() == QContextMenuEvent::Keyboard ? viewport()->mapToGlobal(at)
                                                               : event->globalPos());
+    delete menu;  // unless the box, its parent, went while it was open
     event->accept();
 }
 

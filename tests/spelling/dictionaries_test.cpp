@@ -64,9 +64,11 @@ TEST_F(DictionariesTest, KeepAddedWordsForGoodAndIgnoredOnesForTheRun) {
     {
         Dictionaries dictionaries;
         EXPECT_FALSE(dictionaries.isCorrect(Language::French, u"Zorbaxe"));
+        EXPECT_FALSE(dictionaries.isCorrect(Language::French, u"ZORBAXE"));
         dictionaries.addToPersonal(Language::French, u"Zorbaxe");
         dictionaries.ignoreAll(Language::French, u"Quuxelle");
         EXPECT_TRUE(dictionaries.isCorrect(Language::French, u"Zorbaxe"));
+        EXPECT_TRUE(dictionaries.isCorrect(Language::French, u"ZORBAXE")) << "as the dictionary takes it";
         EXPECT_TRUE(dictionaries.isCorrect(Language::French, u"Quuxelle"));
         EXPECT_FALSE(dictionaries.isCorrect(Language::German, u"Zorbaxe"));
     }
@@ -84,7 +86,7 @@ TEST_F(DictionariesTest, LeaveALanguageWithoutItsDictionaryUnchecked) {
     EXPECT_TRUE(dictionaries.misspelt(Language::German, u"mondde xyzzy").empty());
     EXPECT_TRUE(dictionaries.suggestions(Language::German, u"mondde", 7).empty());
     EXPECT_EQ(dictionaries.missingLine(Language::German),
-              "no German spelling dictionary (xx_NOWHERE is not installed)");
+              "no German spelling dictionary (xx_NOWHERE is not installed): German is not checked");
     setenv("LOREKEEP_DICTIONARIES", "", 1);
 
     const Language englishOnly[] = {Language::English};
@@ -92,7 +94,7 @@ TEST_F(DictionariesTest, LeaveALanguageWithoutItsDictionaryUnchecked) {
     EXPECT_FALSE(english.has(Language::French));
     EXPECT_TRUE(english.isCorrect(Language::French, u"mondde"));
     EXPECT_EQ(english.missingLine(Language::French),
-              "no French spelling dictionary (fr_FR is not installed)");
+              "no French spelling dictionary (fr_FR is not installed): French is not checked");
 }
 
 TEST(DictionaryCandidates, FollowOverridesThenTheLocale) {

@@ -36,7 +36,9 @@ TEST(Words, AreWhatAModderReadsBetweenTheMarkup) {
         {u"'quoted' -dash- trailing' end-", {u"quoted", u"dash", u"trailing", u"end"}},
         {u"Straße, Œuvre; naïve. Ça", {u"Straße", u"Œuvre", u"naïve", u"Ça"}},
         {u"C:\\Games\\nSave", {u"C", u"Games", u"Save"}},
-        {u"\\n<dc=1,2,3>\\nno\\n<jl", {u"no"}},  // the preview takes \\n<jl as a marker
+        // As written: an unclosed \\n<jl is no marker here, though the preview eats it.
+        {u"\\n<dc=1,2,3>\\nno\\n<jl", {u"no", u"jl"}},
+        {u"\\n<dc=255,0,0>Hidden\\n<dc=0,0,0>\\n", {u"Hidden"}},
         {u"e\u0301te\u0301 \U0001F600x", {u"e\u0301te\u0301", u"x"}},
     };
     for (const auto& c : cases) {
@@ -56,10 +58,17 @@ TEST(Words, AreNeverTooLongForADictionary) {
 TEST(Words, InAStretchAreThoseOfTheWholeText) {
     testing::MarkerSoup soup(2026);
     std::mt19937 random(7);
+    // Colour markers without their closing separator, one after another:
+    // the preview hides what lies between them, marker to marker.
+    const std::u16string_view rainbow[] = {u"\\n<dc=255,0,0>Hello ", u"\\n<dc=0,255,0>brave",
+                                           u"\\n<dc=0,0,255>new world", u"\\n<jc>\\n"};
     for (int n = 0; n < 3000; ++n) {
         Text text = soup.next(600);
         if (n % 3 == 0) {
             text.insert(random() % (text.size() + 1), Text(random() % 90, u'x'));
+        }
+        for (int k = n % 3 == 1 ? 40 : 0; k > 0; --k) {
+            text += rainbow[random() % 4];
         }
         const std::vector<WordSpan> whole = wordsIn(text);
         const std::size_t from = random() % (text.size() + 1);

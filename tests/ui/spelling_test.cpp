@@ -78,6 +78,19 @@ class SpellingTest : public QObject {
         return editor->cursorRect(cursor).center() + QPoint(2, 0);
     }
 
+    // The underline's red, drawn smoothed, somewhere in the picture.
+    static bool hasRed(const QImage& image) {
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (c.red() >= 220 && c.green() <= 120 && c.blue() <= 120) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
   private slots:
     void initTestCase() { qputenv("ENCHANT_CONFIG_DIR", m_enchant.path().toUtf8()); }
     void init() {
@@ -89,8 +102,8 @@ class SpellingTest : public QObject {
     // Each language against its own dictionary: "Welt" is right in German
     // and wrong in French; markers, separators and numbers are never words.
     void underlinesEachLanguagesMisspeltWords() {
-        body(Language::German)->replaceText(u"Die Welt\\n<jc>\\n 1234");
-        QTRY_COMPARE(bodyCheck(Language::German)->underlined(), Stretches{});
+        body(Language::German)->replaceText(u"Die Welt\\n<jc>\\n 1234 Hauss");
+        QTRY_COMPARE(bodyCheck(Language::German)->underlined(), (Stretches{{22, 27}}));
         PlainTextBox* french = body(Language::French);
         french->replaceText(u"\\n<dc=255,0,0>\\nLe mondde est grand. Die Welt\\n<br>\\n3e");
         QTRY_COMPARE(bodyCheck(Language::French)->underlined(), (Stretches{{19, 25}, {41, 45}}));
@@ -101,6 +114,34 @@ class SpellingTest : public QObject {
             QStringLiteral("La Tourr ") + QString(70000, u'a') + QStringLiteral(" mondde"));
         QCOMPARE(titleCheck(Language::French)->underlined(), (Stretches{{3, 8}}));
         QVERIFY(m_window->previewPane(Language::French)->extraSelections().isEmpty());
+    }
+
+    // What an input method sends (an accent composed, a commit) leaves the
+    // underline drawn; a word being composed is never cut short by it.
+    void titleUnderlineOutlivesTheInputMethod() {
+        QLineEdit* title = m_window->languagePages[1]->titleBox;
+        m_window->tabs->setCurrentIndex(1);
+        title->setFocus();
+        title->setText(QStringLiteral("La Tourr"));
+        QVERIFY(hasRed(title->grab().toImage()));
+        QInputMethodEvent commit(QString(), {});
+        commit.setCommitString(QStringLiteral(" \u00e0"));
+        QApplication::sendEvent(title, &commit);
+        QCOMPARE(title->text(), QStringLiteral("La Tourr \u00e0"));
+        QTRY_VERIFY(hasRed(title->grab().toImage()));
+
+        QInputMethodEvent compose(QStringLiteral("WWWW"), {});
+        QApplication::sendEvent(title, &compose);
+        QApplication::processEvents();
+        const QImage composing = title->grab().toImage();
+        m_window->spelling()->ignoreAll(Language::French, u"Quuxelle");  // the checks run again
+        QApplication::processEvents();
+        QCOMPARE(title->grab().toImage(), composing);
+        QInputMethodEvent done(QString(), {});
+        done.setCommitString(QStringLiteral("W"));
+        QApplication::sendEvent(title, &done);
+        QCOMPARE(title->text(), QStringLiteral("La Tourr \u00e0W"));
+        QTRY_VERIFY(hasRed(title->grab().toImage()));
     }
 
     // A keystroke checks its block again, in time for the edit's own paint.
