@@ -35,4 +35,14 @@ std::size_t writtenTagLength(TextView text, std::size_t at) {
     return close + 1 + (separatorAfter ? kSeparator.size() : 0);
 }
 
+std::size_t writtenMarkerLength(TextView text, std::size_t at) {
+    if (!text.substr(std::min(at, text.size())).starts_with(kSeparator)) {
+        return 0;
+    }
+    // Looked for only this far, so that what lies further off decides nothing.
+    const std::size_t tag =
+        writtenTagLength(text.substr(0, std::min(text.size(), at + kLongestWrittenMarker)), at);
+    return std::max(tag, kSeparator.size());
+}
+
 }  // namespace lorekeep::markup

@@ -177,4 +177,15 @@ inline Marker markerAt(TextView text, std::size_t at) {
 // before the next separator.
 std::size_t writtenTagLength(TextView text, std::size_t at);
 
+// A written tag this long or longer is text, for writtenMarkerLength.
+inline constexpr std::size_t kLongestWrittenMarker = 68;
+
+// How far a marker as written reaches from a separator at `at`: its written
+// tag (writtenTagLength) when shorter than kLongestWrittenMarker, else the
+// separator alone; 0 when no separator starts at `at`. Unlike a marker's
+// span, it never depends on text further off, so that a reading may start
+// anywhere and is in step again a marker later: spelling and search read
+// markers so.
+std::size_t writtenMarkerLength(TextView text, std::size_t at);
+
 }  // namespace lorekeep::markup

@@ -67,16 +67,11 @@ std::vector<WordSpan> wordsIn(TextView text, std::size_t from, std::size_t to) {
     const TextView seen = text.substr(0, end);
     std::size_t at = from > kWordContext ? from - kWordContext : 0;
     while (at < to) {
-        if (seen.substr(at).starts_with(markup::kSeparator)) {
-            // A marker as written, "\n<" to its ">" and the separator after
-            // it. (What the preview hides after an odd colour marker is
-            // checked: the hiding reaches from marker to marker, and a reading
-            // that starts part way would see other words.)
-            std::size_t tag = markup::writtenTagLength(seen, at);
-            if (tag > kLongestTag + 2 * markup::kSeparator.size()) {
-                tag = 0;  // text after all: what lies further off cannot decide here
-            }
-            at += std::max(tag, markup::kSeparator.size());
+        if (const std::size_t marker = markup::writtenMarkerLength(seen, at); marker > 0) {
+            // A marker as written. (What the preview hides after an odd colour
+            // marker is checked: the hiding reaches from marker to marker, and
+            // a reading that starts part way would see other words.)
+            at += marker;
             continue;
         }
         if (seen[at] == markup::kTagStart) {

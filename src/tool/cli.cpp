@@ -9,6 +9,7 @@
 #include "tool/check.hpp"
 #include "tool/html.hpp"
 #include "tool/po.hpp"
+#include "tool/replace.hpp"
 #include "tool/schema_set.hpp"
 
 namespace lorekeep::tool {
@@ -33,6 +34,14 @@ const std::string kUsage =
     codes(false) +
     " [--template] PATH... -o|--output FILE.po\n"
     "  lorekeep-tool import [-n|--dry-run] FILE.po PATH...\n"
+    "  lorekeep-tool find --find TEXT [-l|--language " +
+    codes(true) +
+    "|all] [--match-case]\n"
+    "                     [--whole-words] [--titles] PATH...\n"
+    "  lorekeep-tool replace --find TEXT --with TEXT [-l|--language " +
+    codes(true) +
+    "|all]\n"
+    "                        [--match-case] [--whole-words] [--titles] [-n|--dry-run] PATH...\n"
     "  lorekeep-tool render FILE.sch [-l|--language " +
     codes(true) +
     "] [-o|--output FILE.html]\n"
@@ -51,6 +60,11 @@ struct Arguments {
     std::optional<std::string> output;
     std::optional<std::string> format;
     std::optional<std::string> words;
+    std::optional<std::string> find;
+    std::optional<std::string> with;
+    bool matchCase = false;
+    bool wholeWords = false;
+    bool titles = false;
     bool spelling = false;
     bool templateOnly = false;
     bool dryRun = false;
@@ -85,6 +99,20 @@ std::optional<Arguments> parse(const std::vector<std::string>& args, std::ostrea
             if (!value(parsed.words)) {
                 return std::nullopt;
             }
+        } else if (arg == "--find") {
+            if (!value(parsed.find)) {
+                return std::nullopt;
+            }
+        } else if (arg == "--with") {
+            if (!value(parsed.with)) {
+                return std::nullopt;
+            }
+        } else if (arg == "--match-case") {
+            parsed.matchCase = true;
+        } else if (arg == "--whole-words") {
+            parsed.wholeWords = true;
+        } else if (arg == "--titles") {
+            parsed.titles = true;
         } else if (arg == "--spelling") {
             parsed.spelling = true;
         } else if (arg == "--template") {
@@ -102,6 +130,11 @@ std::optional<Arguments> parse(const std::vector<std::string>& args, std::ostrea
         }
     }
     return parsed;
+}
+
+// Options of find and replace, which no other command takes.
+bool searchOptions(const Arguments& a) {
+    return a.find || a.with || a.matchCase || a.wholeWords || a.titles;
 }
 
 int usageError(std::ostream& err, const std::string& message) {
@@ -152,7 +185,7 @@ bool addModWords(const std::string& path, spelling::Dictionaries& dictionaries, 
 int check(const Arguments& a, std::ostream& out, std::ostream& err) {
     const std::string format = a.format.value_or("text");
     if ((format != "text" && format != "json") || a.language || a.output || a.templateOnly ||
-        a.dryRun || (a.words && !a.spelling)) {
+        a.dryRun || (a.words && !a.spelling) || searchOptions(a)) {
         return usageError(err,
                           "check takes --format text|json, --spelling [--words FILE] and paths");
     }
@@ -215,7 +248,7 @@ int check(const Arguments& a, std::ostream& out, std::ostream& err) {
 int exportCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
     const auto language = a.language ? languageFromCode(*a.language) : std::nullopt;
     if (!language || *language == Language::English || !a.output || a.positional.empty() ||
-        a.format || a.dryRun || a.spelling || a.words) {
+        a.format || a.dryRun || a.spelling || a.words || searchOptions(a)) {
         return usageError(err,
                           "export needs --language " + codes(false) + ", paths and -o FILE.po");
     }
@@ -227,7 +260,7 @@ int exportCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
 
 int importCommand(const Arguments& a, std::ostream& out, std::ostream& err) {
     if (a.positional.size() < 2 || a.language || a.output || a.format || a.templateOnly ||
-        a.spelling || a.words) {
+        a.spelling || a.words || searchOptions(a)) {
         return usageError(err, "import needs a PO file and paths");
     }
     bool missing = false;
@@ -241,7 +274,7 @@ int render(const Arguments& a, std::ostream& out, std::ostream& err) {
     const auto language =
         languageFromCode(a.language.value_or(std::string(infoOf(Language::English).code)));
     if (a.positional.size() != 1 || !language || a.format || a.templateOnly || a.dryRun ||
-        a.spelling || a.words) {
+        a.spelling || a.words || searchOptions(a)) {
         return usageError(err, "render needs one schema file and --language " + codes(true));
     }
     const std::string& path = a.positional[0];
@@ -260,6 +293,32 @@ int render(const Arguments& a, std::ostream& out, std::ostream& err) {
         return writeOutput("-", html, out, err) ? 0 : 1;
     }
     return writeOutput(*a.output, html, out, err) ? 0 : 1;
+}
+
+// find and replace: what to look for, where, and how.
+int search(const Arguments& a, bool replacing, std::ostream& out, std::ostream& err) {
+    const std::string what = replacing ? "replace" : "find";
+    const std::string language = a.language.value_or("all");
+    const auto chosen = language == "all" ? std::nullopt : languageFromCode(language);
+    if (!a.find || a.find->empty() || a.with.has_value() != replacing ||
+        (language != "all" && !chosen) || a.positional.empty() || a.output || a.format ||
+        a.templateOnly || a.spelling || a.words || (a.dryRun && !replacing)) {
+        return usageError(
+            err, what + " needs --find TEXT" + (replacing ? " --with TEXT" : "") + " and paths");
+    }
+    SearchRequest request;
+    request.find = fromUtf8(*a.find);
+    request.with = fromUtf8(a.with.value_or(""));
+    request.language = chosen;
+    request.options.matchCase = a.matchCase;
+    request.options.wholeWords = a.wholeWords;
+    request.titles = a.titles;
+    request.dryRun = a.dryRun;
+    bool missing = false;
+    const std::vector<SchemaFile> files = schemas(a.positional, err, missing);
+    const int failed = replacing ? replaceInSchemas(files, request, out, err)
+                                 : findInSchemas(files, request, out, err);
+    return failed == 0 && !missing ? 0 : 1;
 }
 
 }  // namespace
@@ -293,6 +352,9 @@ int runTool(const std::vector<std::string>& arguments, std::ostream& out, std::o
     }
     if (command == "render") {
         return render(*parsed, out, err);
+    }
+    if (command == "find" || command == "replace") {
+        return search(*parsed, command == "replace", out, err);
     }
     return usageError(err, "unknown command " + command);
 }

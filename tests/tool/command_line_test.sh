@@ -135,4 +135,39 @@ iconv -f UTF-8 -t UTF-8 "$work/out" >/dev/null 2>&1 || { echo "FAIL: JSON is not
 contains "json of a Latin-1 name" 'caf\udce9.sch'
 chmod 755 "$work/mod/secret"
 
+# Find and replace over a mod: markers skipped, only changed records
+# rewritten, a dry run writes nothing, a file that cannot be written is
+# reported while the others are done.
+cp -R "$data/clean" "$work/rename"
+expect 0 "find" "$tool" find --find garde "$work/rename"
+contains "find" 'intro.sch: fr body 53: ...n<dc=200,30,30>\nPrenez garde.'
+expect 0 "find skips markers" "$tool" find --find br --language all "$work/rename"
+[ -s "$work/out" ] && { echo "FAIL: find matched inside a marker"; cat "$work/out"; failed=1; }
+expect 2 "find without --find" "$tool" find "$work/rename"
+expect 2 "find with --with" "$tool" find --find a --with b "$work/rename"
+expect 2 "replace without --with" "$tool" replace --find a "$work/rename"
+expect 2 "replace in no language" "$tool" replace --find a --with b --language xx "$work/rename"
+cp "$work/rename/intro.sch" "$work/rename.before"
+expect 0 "replace, dry" "$tool" replace --find Keep --with Tower --titles -n "$work/rename"
+contains "replace, dry" "intro.sch: 1 would be replaced"
+cmp -s "$work/rename/intro.sch" "$work/rename.before" || { echo "FAIL: a dry run wrote"; failed=1; }
+expect 0 "replace" "$tool" replace --find Keep --with Tower --titles --language en "$work/rename"
+contains "replace" "intro.sch: 1 replaced"
+grep -q '<title=The Tower>' "$work/rename/intro.sch" || { echo "FAIL: not replaced"; failed=1; }
+[ "$(sed -n '1,3p;5,7p' "$work/rename/intro.sch")" = "$(sed -n '1,3p;5,7p' "$work/rename.before")" ] ||
+    { echo "FAIL: replace rewrote records it did not change"; failed=1; }
+mkdir -p "$work/locked" "$work/open"
+cp "$data/clean/intro.sch" "$work/locked/a.sch"
+cp "$data/clean/intro.sch" "$work/open/b.sch"
+chmod 444 "$work/locked/a.sch"
+chmod 555 "$work/locked"
+chmod 777 "$work/open"
+chmod 666 "$work/open/b.sch"
+expect 1 "replace in a file that cannot be written" $as_user "$tool" replace --find Beware \
+    --with Careful "$work/locked" "$work/open"
+contains "replace in a file that cannot be written" "b.sch: 1 replaced"
+grep -q "a.sch: cannot be written" "$work/err" || { echo "FAIL: no write error"; cat "$work/err"; failed=1; }
+grep -q "Careful" "$work/open/b.sch" || { echo "FAIL: the writable file was not done"; failed=1; }
+chmod 755 "$work/locked"
+
 exit $failed

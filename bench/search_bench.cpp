@@ -1,0 +1,38 @@
+// Finding and replacing in long bodies, the text alone (the window adds
+// reading the editor and writing the change back):
+// - the next match found from the far end of a 16,000,000-character body;
+// - every one of 100,000 matches in a 4,000,000-character body replaced.
+#include <benchmark/benchmark.h>
+
+#include "bench_bodies.hpp"
+#include "search/find.hpp"
+
+namespace {
+
+void BM_FindNextFromTheFarEnd(benchmark::State& state) {
+    lorekeep::Text body = lorekeep::bench::markedUpBody(16'000'000 - 6);
+    body += u"dragon";
+    const lorekeep::search::FindOptions options{.matchCase = state.range(0) != 0};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(lorekeep::search::findNext(body, u"Dragon", options, 0));
+    }
+}
+BENCHMARK(BM_FindNextFromTheFarEnd)
+    ->ArgName("match_case")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond);
+
+void BM_ReplaceAll(benchmark::State& state) {
+    const lorekeep::Text body = lorekeep::bench::markedUpBody(4'000'000);
+    std::size_t count = 0;
+    for (auto _ : state) {
+        const auto replaced = lorekeep::search::replaceAll(body, u"tower", u"keep", {});
+        count = replaced.count;
+        benchmark::DoNotOptimize(replaced.text.data());
+    }
+    state.counters["replaced"] = static_cast<double>(count);
+}
+BENCHMARK(BM_ReplaceAll)->Unit(benchmark::kMillisecond);
+
+}  // namespace
