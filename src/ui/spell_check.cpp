@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QTextBlock>
 #include <QTextBlockUserData>
+#include <exception>
 #include <iostream>
 
 #include "editor/text_edits.hpp"
@@ -40,10 +41,20 @@ void SpellingService::start() {
     if (m_loader != nullptr) {
         return;
     }
-    m_loader = QThread::create([this] { m_loaded = std::make_unique<spelling::Dictionaries>(); });
+    m_loader = QThread::create([this] {
+        try {
+            m_loaded = std::make_unique<spelling::Dictionaries>();
+        } catch (const std::exception& error) {
+            // Without dictionaries the window simply underlines nothing.
+            std::cerr << "lorekeep: spelling is off: " << error.what() << "\n";
+        }
+    });
     m_loader->setParent(this);
     connect(m_loader, &QThread::finished, this, [this] {
         m_dictionaries = std::move(m_loaded);
+        if (m_dictionaries == nullptr) {
+            return;
+        }
         for (const Language language : kAllLanguages) {
             if (!m_dictionaries->has(language)) {
                 std::cerr << "lorekeep: " << m_dictionaries->missingLine(language) << "\n";
