@@ -145,15 +145,21 @@ fs::path proseFolder(int count) {
     return folder;
 }
 
+// Runs lorekeep-tool; returns how many lines it printed (its messages go
+// nowhere).
+std::size_t linesPrinted(const std::vector<std::string>& arguments) {
+    std::ostringstream out;
+    std::ofstream err("/dev/null");
+    lorekeep::tool::runTool(arguments, out, err);
+    const std::string printed = out.str();
+    return static_cast<std::size_t>(std::count(printed.begin(), printed.end(), '\n'));
+}
+
 void BM_CheckSpelling(benchmark::State& state) {
     const fs::path folder = proseFolder(static_cast<int>(state.range(0)));
     std::size_t lines = 0;
     for (auto _ : state) {
-        std::ostringstream out;
-        std::ofstream err("/dev/null");
-        lorekeep::tool::runTool({"check", "--spelling", folder.string()}, out, err);
-        const std::string found = out.str();
-        lines = static_cast<std::size_t>(std::count(found.begin(), found.end(), '\n'));
+        lines = linesPrinted({"check", "--spelling", folder.string()});
     }
     state.counters["files"] = static_cast<double>(state.range(0));
     state.counters["findings"] = static_cast<double>(lines);
@@ -172,13 +178,8 @@ void BM_ReplaceFolder(benchmark::State& state) {
         fs::remove_all(copy);
         fs::copy(source, copy, fs::copy_options::recursive);
         state.ResumeTiming();
-        std::ostringstream out;
-        std::ofstream err("/dev/null");
-        lorekeep::tool::runTool(
-            {"replace", "--find", "lantern", "--with", "lamp", "--language", "en", copy.string()},
-            out, err);
-        const std::string lines = out.str();
-        changed = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
+        changed = linesPrinted(
+            {"replace", "--find", "lantern", "--with", "lamp", "--language", "en", copy.string()});
     }
     fs::remove_all(copy);
     state.counters["files_changed"] = static_cast<double>(changed);

@@ -1,5 +1,6 @@
 #include "tool/cli.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -70,55 +71,45 @@ struct Arguments {
     bool dryRun = false;
 };
 
+// The options that take a value, and those that are on or off: their long
+// name, their short one (or none).
+struct ValueOption {
+    std::string_view name, shortName;
+    std::optional<std::string> Arguments::*member;
+};
+constexpr ValueOption kValueOptions[] = {
+    {"--language", "-l", &Arguments::language}, {"--output", "-o", &Arguments::output},
+    {"--format", "", &Arguments::format},       {"--words", "", &Arguments::words},
+    {"--find", "", &Arguments::find},           {"--with", "", &Arguments::with},
+};
+struct FlagOption {
+    std::string_view name, shortName;
+    bool Arguments::*member;
+};
+constexpr FlagOption kFlagOptions[] = {
+    {"--match-case", "", &Arguments::matchCase},  {"--whole-words", "", &Arguments::wholeWords},
+    {"--titles", "", &Arguments::titles},         {"--spelling", "", &Arguments::spelling},
+    {"--template", "", &Arguments::templateOnly}, {"--dry-run", "-n", &Arguments::dryRun},
+};
+
 // Nothing, with the reason on `err`, when an option is unknown or lacks its value.
 std::optional<Arguments> parse(const std::vector<std::string>& args, std::ostream& err) {
     Arguments parsed;
     for (std::size_t k = 1; k < args.size(); ++k) {
         const std::string& arg = args[k];
-        auto value = [&](std::optional<std::string>& into) {
+        const auto named = [&arg](const auto& option) {
+            return arg == option.name || (!option.shortName.empty() && arg == option.shortName);
+        };
+        if (const auto* option = std::ranges::find_if(kValueOptions, named);
+            option != std::end(kValueOptions)) {
             if (k + 1 >= args.size()) {
                 err << "lorekeep-tool: " << arg << " needs a value\n";
-                return false;
-            }
-            into = args[++k];
-            return true;
-        };
-        if (arg == "--language" || arg == "-l") {
-            if (!value(parsed.language)) {
                 return std::nullopt;
             }
-        } else if (arg == "-o" || arg == "--output") {
-            if (!value(parsed.output)) {
-                return std::nullopt;
-            }
-        } else if (arg == "--format") {
-            if (!value(parsed.format)) {
-                return std::nullopt;
-            }
-        } else if (arg == "--words") {
-            if (!value(parsed.words)) {
-                return std::nullopt;
-            }
-        } else if (arg == "--find") {
-            if (!value(parsed.find)) {
-                return std::nullopt;
-            }
-        } else if (arg == "--with") {
-            if (!value(parsed.with)) {
-                return std::nullopt;
-            }
-        } else if (arg == "--match-case") {
-            parsed.matchCase = true;
-        } else if (arg == "--whole-words") {
-            parsed.wholeWords = true;
-        } else if (arg == "--titles") {
-            parsed.titles = true;
-        } else if (arg == "--spelling") {
-            parsed.spelling = true;
-        } else if (arg == "--template") {
-            parsed.templateOnly = true;
-        } else if (arg == "--dry-run" || arg == "-n") {
-            parsed.dryRun = true;
+            parsed.*(option->member) = args[++k];
+        } else if (const auto* flag = std::ranges::find_if(kFlagOptions, named);
+                   flag != std::end(kFlagOptions)) {
+            parsed.*(flag->member) = true;
         } else if (arg == "--") {
             parsed.positional.insert(parsed.positional.end(), args.begin() + k + 1, args.end());
             break;

@@ -55,6 +55,19 @@ Loaded load(const SchemaFile& file, std::ostream& err) {
     return loaded;
 }
 
+// Each file's document, in turn, for `use`; a file that does not load is
+// skipped with its reason on `err`. Returns how many were skipped, plus
+// what `use` counts as failed.
+template <class Use>
+int eachDocument(const std::vector<SchemaFile>& files, std::ostream& err, Use use) {
+    int failed = 0;
+    for (const SchemaFile& file : files) {
+        const Loaded loaded = load(file, err);
+        failed += loaded.document ? use(file, loaded) : 1;
+    }
+    return failed;
+}
+
 bool inScope(const SearchRequest& request, Language language) {
     return !request.language || *request.language == language;
 }
@@ -63,13 +76,7 @@ bool inScope(const SearchRequest& request, Language language) {
 
 int findInSchemas(const std::vector<SchemaFile>& files, const SearchRequest& request,
                   std::ostream& out, std::ostream& err) {
-    int failed = 0;
-    for (const SchemaFile& file : files) {
-        const Loaded loaded = load(file, err);
-        if (!loaded.document) {
-            ++failed;
-            continue;
-        }
+    return eachDocument(files, err, [&](const SchemaFile& file, const Loaded& loaded) {
         for (const Language language : kAllLanguages) {
             const LanguageEntry& entry = loaded.document->entries[indexOf(language)];
             const std::pair<const char*, const Text*> fields[] = {
@@ -85,20 +92,14 @@ int findInSchemas(const std::vector<SchemaFile>& files, const SearchRequest& req
                 }
             }
         }
-    }
-    return failed;
+        return 0;
+    });
 }
 
 int replaceInSchemas(const std::vector<SchemaFile>& files, const SearchRequest& request,
                      std::ostream& out, std::ostream& err) {
     const LocalDateTime stamp = SystemClock().now();
-    int failed = 0;
-    for (const SchemaFile& file : files) {
-        const Loaded loaded = load(file, err);
-        if (!loaded.document) {
-            ++failed;
-            continue;
-        }
+    return eachDocument(files, err, [&](const SchemaFile& file, const Loaded& loaded) {
         SchemaDocument changed = *loaded.document;
         std::array<bool, kLanguageCount> rewrite{};
         std::size_t count = 0;
@@ -130,11 +131,10 @@ int replaceInSchemas(const std::vector<SchemaFile>& files, const SearchRequest& 
         }
         if (!refused.empty()) {
             err << "lorekeep-tool: " << file.name << ": not changed: " << refused << "\n";
-            ++failed;
-            continue;
+            return 1;
         }
         if (count == 0) {
-            continue;
+            return 0;
         }
         const std::string bytes =
             rewriteRecords(loaded.bytes, loaded.read, changed, rewrite, stamp);
@@ -143,8 +143,7 @@ int replaceInSchemas(const std::vector<SchemaFile>& files, const SearchRequest& 
             err << "lorekeep-tool: " << file.name
                 << ": not changed: the file cannot carry the new text (it would not load back the "
                    "same)\n";
-            ++failed;
-            continue;
+            return 1;
         }
         if (!request.dryRun) {
             if (const ReplaceResult saved =
@@ -152,14 +151,13 @@ int replaceInSchemas(const std::vector<SchemaFile>& files, const SearchRequest& 
                 !saved) {
                 err << "lorekeep-tool: " << file.name << ": cannot be written: " << saved.error
                     << "\n";
-                ++failed;
-                continue;
+                return 1;
             }
         }
         out << file.name << ": " << count
             << (request.dryRun ? " would be replaced\n" : " replaced\n");
-    }
-    return failed;
+        return 0;
+    });
 }
 
 }  // namespace lorekeep::tool
