@@ -39,6 +39,19 @@ inline Text markedUpBody(std::size_t length, std::size_t* markers = nullptr) {
     return body;
 }
 
+// A body with a "tower" in every 40 characters (a line break marker among
+// them), `length` rounded down to a whole number of 40: 100,000 of them in
+// 4,000,000 characters.
+inline Text towerBody(std::size_t length) {
+    constexpr std::u16string_view kUnit = u"The tower stands\\n<br>\\nby the old keep.";
+    Text body;
+    body.reserve(length);
+    while (body.size() + kUnit.size() <= length) {
+        body.append(kUnit);
+    }
+    return body;
+}
+
 // Text without a single space or marker, as a pasted URL or a language
 // without spaces would be: exactly `length` letters.
 inline Text unbrokenBody(std::size_t length) {

@@ -8,7 +8,9 @@
 // - four 4,000,000-character bodies loaded from a schema file, against four
 //   setPlainText calls on bare editors, with the peak memory of each;
 // - pasting a body of plain words, of words with markers, one without a
-//   space and one made only of markers.
+//   space and one made only of markers;
+// - Find Next from the far end of a 16,000,000-character body, and Replace
+//   All of 100,000 matches in a 4,000,000-character one.
 #include <benchmark/benchmark.h>
 
 #include <malloc.h>
@@ -279,6 +281,61 @@ void BM_PasteBody(benchmark::State& state) {
     }
 }
 
+// Find Next in the window: the first search after an edit (nothing found is
+// remembered), from the start of the body to its one match at the far end,
+// until the page shows the match selected.
+void BM_FindNextFromFarEnd(benchmark::State& state) {
+    const auto length = static_cast<std::size_t>(state.range(0));
+    MainWindow window;
+    window.show();
+    auto* editor = window.bodyEditor(lorekeep::Language(0));
+    Text body = lorekeep::bench::markedUpBody(length - 8);
+    editor->replaceText(body.append(u"Zanzibar"));
+    lorekeep::ui::FindDialog* find = window.openFindDialog();
+    find->findBox->setText(QStringLiteral("zanzibar"));
+    editor->setFocus();
+    for (auto _ : state) {
+        state.PauseTiming();
+        editor->setCaretPosition(0);
+        type(editor, Qt::Key_X, QStringLiteral("x"));
+        type(editor, Qt::Key_Backspace, QString());
+        QApplication::processEvents();
+        state.ResumeTiming();
+        find->findNextButton->click();
+        QApplication::processEvents();
+    }
+    state.counters["found_at"] = static_cast<double>(editor->caretPosition());
+}
+
+// Replace All in the window: a body of 4,000,000 characters with a match
+// every 40, replaced by a longer word, until the editor shows the result and
+// its preview pane holds the new preview; with the second argument 1, also
+// until the preview's page, clicked next, shows it (the pane lays out a
+// hidden page's text only then). Undo, untimed, brings the body back.
+void BM_ReplaceAll(benchmark::State& state) {
+    MainWindow window;
+    window.show();
+    auto* editor = window.bodyEditor(lorekeep::Language(0));
+    editor->replaceText(lorekeep::bench::towerBody(static_cast<std::size_t>(state.range(0))));
+    lorekeep::ui::FindDialog* find = window.openFindDialog();
+    find->findBox->setText(QStringLiteral("tower"));
+    find->replaceBox->setText(QStringLiteral("spire"));
+    for (auto _ : state) {
+        find->replaceAllButton->click();
+        QApplication::processEvents();
+        if (state.range(1) != 0) {
+            window.tabs->setCurrentIndex(4);
+            QApplication::processEvents();
+        }
+        state.PauseTiming();
+        window.tabs->setCurrentIndex(0);
+        editor->undo();
+        QApplication::processEvents();
+        state.ResumeTiming();
+    }
+    state.SetLabel(find->statusLabel->text().toStdString());
+}
+
 constexpr int kSmall = 32'767;
 constexpr int kMillion = 1'000'000;
 constexpr int kFourMillion = 4'000'000;
@@ -292,6 +349,12 @@ BENCHMARK(BM_KeystrokeToPreview)
 BENCHMARK(BM_KeystrokeSpelling)
     ->ArgNames({"chars", "place", "spelling"})
     ->ArgsProduct({{kFourMillion}, {kAtEnd, kInMiddle}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FindNextFromFarEnd)->Arg(kSixteenMillion)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ReplaceAll)
+    ->ArgNames({"chars", "preview_page"})
+    ->ArgsProduct({{kFourMillion}, {0, 1}})
+    ->Iterations(3)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BarePlainTextEditKeystroke)
     ->ArgNames({"chars", "place"})

@@ -13,6 +13,7 @@
 //   time until the process has gone idle and its peak resident memory.
 // - Start-up: process start to the window's MapNotify, against a minimal Qt
 //   Widgets window of the same size, interleaved; wall time and CPU time.
+// - Find and Replace: Find Next and Replace All in long bodies (below).
 #include <benchmark/benchmark.h>
 #include <poll.h>
 #include <signal.h>
@@ -24,6 +25,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -144,18 +146,33 @@ class Display {
         XSync(m_display, False);
     }
 
-    void press(KeySym symbol, bool control = false) {
+    void press(KeySym symbol, bool control = false, bool alt = false) {
         const KeyCode key = XKeysymToKeycode(m_display, symbol);
         const KeyCode ctrl = XKeysymToKeycode(m_display, XK_Control_L);
+        const KeyCode altKey = XKeysymToKeycode(m_display, XK_Alt_L);
         if (control) {
             XTestFakeKeyEvent(m_display, ctrl, True, 0);
         }
+        if (alt) {
+            XTestFakeKeyEvent(m_display, altKey, True, 0);
+        }
         XTestFakeKeyEvent(m_display, key, True, 0);
         XTestFakeKeyEvent(m_display, key, False, 0);
+        if (alt) {
+            XTestFakeKeyEvent(m_display, altKey, False, 0);
+        }
         if (control) {
             XTestFakeKeyEvent(m_display, ctrl, False, 0);
         }
         XFlush(m_display);
+    }
+
+    // Lower-case letters and Tab, a key at a time.
+    void type(const std::string& keys) {
+        for (const char c : keys) {
+            press(c == '\t' ? XK_Tab : XK_a + static_cast<KeySym>(c - 'a'));
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
     }
 
   private:
@@ -236,6 +253,83 @@ void BM_KeystrokeThroughX(benchmark::State& state) {
         editor.waitUntilIdle();
         if (fs::file_size(file) != before + kKeys) {
             state.SkipWithError("the typed letters did not all reach the body");
+        }
+    }
+    fs::remove_all(file.parent_path());
+}
+
+// Find and Replace: the program opens a schema with a long English body, the
+// caret at its start; Ctrl+F opens the dialog and the search is typed into
+// it. Then, timed from the key to the last CPU the program spends on it:
+// - Find Next (Enter) from the start of a 16,000,000-character body of words
+//   with markers to its one match, the body's last word; a letter typed over
+//   the selected match and a save check that it was selected;
+// - Replace All (Alt+A) of the 100,000 "tower"s of a 4,000,000-character
+//   body by "spire"; a save checks that all were replaced.
+enum FindCommand { kFindNext = 0, kReplaceAll = 1 };
+
+void BM_FindThroughX(benchmark::State& state) {
+    const auto command = static_cast<FindCommand>(state.range(0));
+    lorekeep::Text body;
+    if (command == kFindNext) {
+        body = lorekeep::bench::markedUpBody(lorekeep::kMaxBodyLength - 8) + u"Zanzibar";
+    } else {
+        body = lorekeep::bench::towerBody(4'000'000);
+    }
+    const fs::path file = writeSchema("find", body, false);
+    Display display;
+    if (!display.open() || file.empty()) {
+        state.SkipWithError("no X display (run under xvfb-run), or no file");
+        return;
+    }
+    for (auto _ : state) {
+        const auto before = fs::file_size(file);
+        Process editor({editorProgram(), "--goto", "English:body:0", file.string()});
+        const auto window = display.waitForMap(60);
+        if (!window || !editor.waitUntilIdle()) {
+            state.SkipWithError("the window did not come up and settle");
+            return;
+        }
+        display.focus(window->first);
+        editor.waitUntilIdle();
+        display.press(XK_f, true);
+        const auto dialog = display.waitForMap(10);
+        if (!dialog) {
+            state.SkipWithError("Ctrl+F opened no dialog");
+            return;
+        }
+        display.focus(dialog->first);
+        display.type(command == kFindNext ? "zanzibar" : "tower\tspire");
+        editor.waitUntilIdle();
+        const double cpu = editor.cpuSeconds();
+        const auto begun = Clock::now();
+        display.press(command == kFindNext ? XK_Return : XK_a, false, command == kReplaceAll);
+        const auto done = editor.waitUntilIdle();
+        if (!done) {
+            state.SkipWithError("never settled");
+            return;
+        }
+        state.SetIterationTime(seconds(std::max(*done - begun, Clock::duration(0))));
+        state.counters["cpu_ms"] = (editor.cpuSeconds() - cpu) * 1000;
+        state.counters["peak_MB"] = editor.peakMegabytes();
+        // The check: a letter over the selection (Find Next), then a save.
+        display.focus(window->first);
+        if (command == kFindNext) {
+            display.press(XK_q);
+        }
+        display.press(XK_s, true);
+        editor.waitUntilIdle();
+        std::ifstream saved(file, std::ios::binary);
+        const std::string bytes((std::istreambuf_iterator<char>(saved)), {});
+        std::size_t spires = 0;
+        for (auto at = bytes.find("spire"); at != std::string::npos;
+             at = bytes.find("spire", at + 1)) {
+            ++spires;
+        }
+        if (command == kFindNext
+                ? fs::file_size(file) + 7 != before || bytes.find("Zanzibar") != std::string::npos
+                : spires != 100'000) {
+            state.SkipWithError("the file saved does not show the command done");
         }
     }
     fs::remove_all(file.parent_path());
@@ -335,6 +429,13 @@ void keystrokeArgs(benchmark::internal::Benchmark* b) {
 BENCHMARK(BM_StartupThroughX)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_KeystrokeThroughX)
     ->Apply(keystrokeArgs)
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FindThroughX)
+    ->ArgName("replace_all")
+    ->Arg(kFindNext)
+    ->Arg(kReplaceAll)
     ->Iterations(1)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);

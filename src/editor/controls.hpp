@@ -8,6 +8,7 @@
 #include "markup/incremental_renderer.hpp"
 #include "markup/preview.hpp"
 #include "markup/text.hpp"
+#include "schema/language.hpp"
 
 // The small control interfaces that the window's behaviour is written
 // against. The window implements them with real widgets; tests with fakes.
@@ -51,10 +52,31 @@ class EditorBox {
         replaceRange(change.start, change.length, change.text);
         setCaretPosition(0);
     }
+    // Puts `replacement` in place of `old`, which stands at `start`: the
+    // smallest splice, one undo step, the caret behind. A text that no longer
+    // holds `old` there, or that would grow beyond `limit`, beeps and stays.
+    bool replaceStretch(std::size_t start, TextView old, TextView replacement, std::size_t limit) {
+        const std::size_t length = textLength();
+        if (start > length || old.size() > length - start ||
+            length - old.size() + replacement.size() > limit ||
+            textBetween(start, start + old.size()) != old) {
+            beep();
+            return false;
+        }
+        const Splice change = smallestChange(old, replacement);
+        replaceRange(start + change.start, change.length, change.text);
+        setCaretPosition(start + replacement.size());
+        return true;
+    }
     // Characters in front of the caret (with a selection, its start).
     virtual std::size_t caretPosition() const = 0;
+    // Characters in front of the selection's end; the caret without one.
+    virtual std::size_t selectionEnd() const { return caretPosition(); }
     // A position beyond the end puts the caret at the end.
     virtual void setCaretPosition(std::size_t position) = 0;
+    // Selects `length` characters from `start`, the caret behind them, and
+    // brings them into sight.
+    virtual void select(std::size_t start, std::size_t length) { setCaretPosition(start + length); }
     virtual void giveFocus() = 0;
 };
 
@@ -79,6 +101,34 @@ class TextBox {
     virtual Text text() const = 0;
     virtual void setText(TextView text) = 0;
     virtual void setEnabled(bool enabled) = 0;
+
+    // The selection, as characters in front of its start and its end; both
+    // the caret's place without one.
+    virtual std::size_t selectionStart() const { return 0; }
+    virtual std::size_t selectionEnd() const { return selectionStart(); }
+    // Selects `length` characters from `start`, the caret behind them.
+    virtual void select(std::size_t start, std::size_t length) {
+        static_cast<void>(start);
+        static_cast<void>(length);
+    }
+    // Replaces `length` characters from `start` as one undoable edit.
+    virtual void replaceRange(std::size_t start, std::size_t length, TextView text) {
+        Text whole = this->text();
+        setText(whole.replace(start, length, text));
+    }
+    // Makes the box the one the window's caret is in (without raising the window).
+    virtual void giveFocus() {}
+};
+
+// The tab strip and the window's caret, as finding uses them.
+class Pages {
+  public:
+    virtual ~Pages() = default;
+    // The language of the page shown; a preview page's is its language's.
+    virtual Language shownLanguage() const = 0;
+    // The window's caret stands in the shown language's title box.
+    virtual bool titleHasCaret() const = 0;
+    virtual void showLanguage(Language language) = 0;
 };
 
 class Button {

@@ -60,17 +60,7 @@ void SchemaEditor::insertAtCaret(Language language, TextView marker) {
 
 void SchemaEditor::replaceWord(Language language, std::size_t start, TextView word,
                                TextView replacement) {
-    EditorBox& editor = *m_controls.of(language).body;
-    const std::size_t length = editor.textLength();
-    if (start > length || word.size() > length - start ||
-        length - word.size() + replacement.size() > kMaxBodyLength ||
-        editor.textBetween(start, start + word.size()) != word) {
-        editor.beep();
-        return;
-    }
-    const Splice change = smallestChange(word, replacement);
-    editor.replaceRange(start + change.start, change.length, change.text);
-    editor.setCaretPosition(start + replacement.size());
+    m_controls.of(language).body->replaceStretch(start, word, replacement, kMaxBodyLength);
 }
 
 void SchemaEditor::applyEdit(EditorBox& editor, const TextEdit& edit) {

@@ -34,12 +34,16 @@ struct WindowControls {
     FontBox* fontBox = nullptr;
     MessageBox* messages = nullptr;
     FileDialog* fileDialog = nullptr;
+    Pages* pages = nullptr;
     const Clock* clock = nullptr;
     // Where the reason of a failed save or load goes (the message boxes say
     // only what the user is told); none for nowhere.
     std::ostream* diagnostics = nullptr;
 
     LanguageControls& of(Language language) {
+        return languages[static_cast<std::size_t>(indexOf(language))];
+    }
+    const LanguageControls& of(Language language) const {
         return languages[static_cast<std::size_t>(indexOf(language))];
     }
 };

@@ -91,6 +91,33 @@ bool accepted(TextView text, const Match& match, const FindOptions& options) {
            (!insideMarker(text, match.start) && !insideMarker(text, match.start + match.length));
 }
 
+// The first place from `at` up to `last` whose character may fold to
+// `first` (lower case) or `capital`: either of them, or any beyond ASCII.
+// Most text is ASCII, and a run of it is passed over a block at a time.
+std::size_t nextCandidate(TextView text, std::size_t at, std::size_t last, char16_t first,
+                          char16_t capital) {
+    constexpr std::size_t kBlock = 32;
+    const char16_t* characters = text.data();
+    for (; at + kBlock <= last + 1; at += kBlock) {
+        unsigned any = 0;
+        for (std::size_t k = 0; k < kBlock; ++k) {  // no early exit: the compiler vectorises it
+            const unsigned c = characters[at + k];
+            any |= static_cast<unsigned>(c == first) | static_cast<unsigned>(c == capital) |
+                   (c & 0xFF80U);
+        }
+        if (any != 0) {
+            break;
+        }
+    }
+    for (; at <= last; ++at) {
+        const char16_t c = characters[at];
+        if (c == first || c == capital || (c >= 0x80 && folded(c) == first)) {
+            return at;
+        }
+    }
+    return TextView::npos;
+}
+
 Text foldedText(TextView text) {
     Text result(text);
     std::ranges::transform(result, result.begin(), folded);
@@ -107,6 +134,10 @@ std::optional<Match> findNext(TextView text, TextView needle, const FindOptions&
     const Text lower = options.matchCase ? Text() : foldedText(needle);
     const TextView wanted = options.matchCase ? needle : TextView(lower);
     const char16_t first = wanted[0];
+    // The first letter's capital, for a quick scan of ASCII text; any other
+    // character is folded as it comes.
+    const char16_t capital =
+        first >= u'a' && first <= u'z' ? static_cast<char16_t>(first - (u'a' - u'A')) : first;
     const std::size_t last = text.size() - needle.size();
     for (std::size_t at = from; at <= last; ++at) {
         if (options.matchCase) {
@@ -114,8 +145,14 @@ std::optional<Match> findNext(TextView text, TextView needle, const FindOptions&
             if (at == TextView::npos) {
                 return std::nullopt;
             }
-        } else if (folded(text[at]) != first || !sameAt(text, at, wanted, false)) {
-            continue;
+        } else {
+            at = nextCandidate(text, at, last, first, capital);
+            if (at == TextView::npos) {
+                return std::nullopt;
+            }
+            if (!sameAt(text, at, wanted, false)) {
+                continue;
+            }
         }
         const Match match{at, needle.size()};
         if (accepted(text, match, options)) {

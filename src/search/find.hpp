@@ -18,6 +18,8 @@ struct FindOptions {
     // A match never starts or ends inside a marker as written, nor inside a
     // separator: "br" never finds the br of \n<br>\n.
     bool skipMarkers = true;
+
+    bool operator==(const FindOptions&) const = default;
 };
 
 struct Match {

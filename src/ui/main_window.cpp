@@ -46,6 +46,14 @@ QStringList tabCaptions() {
     return captions;
 }
 
+// The keys of Find and Replace.
+const std::array<QKeyCombination, 4> kFindKeys{Qt::CTRL | Qt::Key_F, Qt::CTRL | Qt::Key_H,
+                                               QKeyCombination(Qt::Key_F3), Qt::SHIFT | Qt::Key_F3};
+
+bool isFindKey(const QKeyEvent& key) {
+    return std::ranges::find(kFindKeys, key.keyCombination()) != kFindKeys.end();
+}
+
 }  // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
@@ -69,6 +77,7 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
     m_fileDialog = std::make_unique<QtFileDialog>(this);
     m_controls = controlInterfaces();
     m_editor = std::make_unique<editor::SchemaEditor>(m_controls);
+    m_find = std::make_unique<editor::FindReplace>(m_controls);
     connectEvents();
     setAcceptDrops(true);
     installEventFilter(this);
@@ -234,6 +243,12 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (type == QEvent::DragEnter || type == QEvent::DragMove || type == QEvent::Drop) {
         return filterFileDrop(event) || QWidget::eventFilter(watched, event);
     }
+    if (type == QEvent::ShortcutOverride && isFindKey(*static_cast<QKeyEvent*>(event))) {
+        // The line edits' Emacs keys (Ctrl+F forward, Ctrl+H back) would
+        // otherwise take Find and Replace's keys before the window sees them.
+        event->ignore();
+        return true;
+    }
     if (type == QEvent::KeyPress) {
         // Qt's text boxes type the letter of an Alt or Meta chord ("s" for
         // Alt+S); here such a chord is a key, never text.
@@ -327,6 +342,12 @@ editor::WindowControls MainWindow::controlInterfaces() {
     c.fontBox = m_fontBox.get();
     c.messages = m_messageBox.get();
     c.fileDialog = m_fileDialog.get();
+    std::array<QLineEdit*, kLanguageCount> titleBoxes{};
+    for (int i = 0; i < kLanguageCount; ++i) {
+        titleBoxes[i] = languagePages[i]->titleBox;
+    }
+    m_pages = std::make_unique<TabPagesControl>(tabs, titleBoxes);
+    c.pages = m_pages.get();
     c.clock = &m_clock;
     c.diagnostics = &std::cerr;
     return c;
@@ -340,8 +361,12 @@ void MainWindow::connectEvents() {
         RichTextBox* pane = previewPane(language);
         // The body's change goes down with the notification; a pane's own
         // changes are no event.
-        connect(body, &QPlainTextEdit::textChanged, this,
-                [this, language, body] { m_editor->bodyChanged(language, body->takeChange()); });
+        connect(body, &QPlainTextEdit::textChanged, this, [this, language, body] {
+            m_find->textChanged(language, false);
+            m_editor->bodyChanged(language, body->takeChange());
+        });
+        connect(page.titleBox, &QLineEdit::textChanged, this,
+                [this, language] { m_find->textChanged(language, true); });
         body->onCharacterTyped = [this, language](int& code) {
             m_editor->characterTyped(language, editor::Box::Body, code);
         };
@@ -368,6 +393,25 @@ void MainWindow::connectEvents() {
     connect(save, &QShortcut::activated, this, [this] { m_editor->saveClicked(); });
     auto* open = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_O), this);
     connect(open, &QShortcut::activated, this, [this] { m_editor->openClicked(); });
+    // Find and Replace: Ctrl+F or Ctrl+H opens it; F3 and Shift+F3 find
+    // again from the window.
+    for (auto keys : {kFindKeys[0], kFindKeys[1]}) {
+        auto* find = new QShortcut(QKeySequence(keys), this);
+        connect(find, &QShortcut::activated, this, &MainWindow::openFindDialog);
+    }
+    // Before anything was looked for, they open the dialog instead.
+    for (const bool forwards : {true, false}) {
+        auto* again = new QShortcut(QKeySequence(kFindKeys[forwards ? 2 : 3]), this);
+        connect(again, &QShortcut::activated, this, [this, forwards] {
+            if (m_findDialog == nullptr || m_findDialog->findBox->text().isEmpty()) {
+                openFindDialog();
+            } else if (forwards) {
+                m_findDialog->findNext();
+            } else {
+                m_findDialog->findPrevious();
+            }
+        });
+    }
     // Ctrl+Tab and Ctrl+Shift+Tab step through the pages, as in any tabbed window.
     auto* next = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Tab), this);
     connect(next, &QShortcut::activated, tabs, [this] { tabs->cycle(1); });
@@ -396,6 +440,30 @@ void MainWindow::goTo(Language language, bool title, std::size_t position) {
         page.bodyEditor->centerCursor();
         page.bodyEditor->setFocus(Qt::OtherFocusReason);
     }
+}
+
+FindDialog* MainWindow::openFindDialog() {
+    if (m_findDialog == nullptr) {
+        m_findDialog = new FindDialog(*m_find, this);
+        // Alt chords and dropped files as everywhere in the window.
+        for (QWidget* child : m_findDialog->findChildren<QWidget*>()) {
+            child->installEventFilter(this);
+        }
+    }
+    // A selection of more than one line is no text to find.
+    QString selected;
+    if (auto* box = dynamic_cast<editor::EditorBox*>(focusWidget())) {
+        selected = toQString(box->textBetween(box->caretPosition(), box->selectionEnd()));
+    } else if (auto* line = qobject_cast<QLineEdit*>(focusWidget())) {
+        selected = line->selectedText();
+    }
+    constexpr qsizetype kLongestSelectionFound = 1000;
+    if (selected.size() > kLongestSelectionFound || selected.contains(u'\r') ||
+        selected.contains(u'\n')) {
+        selected.clear();
+    }
+    m_findDialog->present(selected);
+    return m_findDialog;
 }
 
 void MainWindow::startSpelling() {

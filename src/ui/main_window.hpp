@@ -10,7 +10,9 @@
 #include <memory>
 #include <vector>
 
+#include "editor/find_replace.hpp"
 #include "editor/schema_editor.hpp"
+#include "ui/find_dialog.hpp"
 #include "ui/language_page.hpp"
 #include "ui/qt_controls.hpp"
 #include "ui/spell_check.hpp"
@@ -54,6 +56,12 @@ class MainWindow : public QWidget {
     void startSpelling();
     // Null until startSpelling.
     SpellingService* spelling() const { return m_spelling; }
+
+    // Opens the Find and Replace dialog, made on first use; the selection of
+    // the box with the caret, if on one line, becomes what it finds.
+    FindDialog* openFindDialog();
+    // Null until first opened.
+    FindDialog* findDialog() const { return m_findDialog; }
 
     // The rtbText boxes: a language's body editor and its preview pane.
     PlainTextBox* bodyEditor(Language language) const;
@@ -100,6 +108,9 @@ class MainWindow : public QWidget {
     SystemClock m_clock;
     editor::WindowControls m_controls;
     std::unique_ptr<editor::SchemaEditor> m_editor;
+    std::unique_ptr<TabPagesControl> m_pages;
+    std::unique_ptr<editor::FindReplace> m_find;
+    FindDialog* m_findDialog = nullptr;
     SpellingService* m_spelling = nullptr;
 };
 

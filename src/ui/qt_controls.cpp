@@ -15,6 +15,35 @@ void LineEditControl::setText(TextView text) {
     m_edit->setText(toQString(text));
 }
 
+std::size_t LineEditControl::selectionStart() const {
+    return static_cast<std::size_t>(m_edit->hasSelectedText() ? m_edit->selectionStart()
+                                                              : m_edit->cursorPosition());
+}
+
+std::size_t LineEditControl::selectionEnd() const {
+    return static_cast<std::size_t>(m_edit->hasSelectedText() ? m_edit->selectionEnd()
+                                                              : m_edit->cursorPosition());
+}
+
+void LineEditControl::select(std::size_t start, std::size_t length) {
+    m_edit->setSelection(static_cast<int>(start), static_cast<int>(length));
+}
+
+void LineEditControl::replaceRange(std::size_t start, std::size_t length, TextView text) {
+    // Through the selection, so that the box's undo takes it back as one edit.
+    m_edit->setSelection(static_cast<int>(start), static_cast<int>(length));
+    m_edit->insert(toQString(text));
+}
+
+Language TabPagesControl::shownLanguage() const {
+    return kAllLanguages[static_cast<std::size_t>(m_tabs->currentIndex() % kLanguageCount)];
+}
+
+bool TabPagesControl::titleHasCaret() const {
+    const QWidget* focus = m_tabs->window()->focusWidget();
+    return focus != nullptr && focus == m_titleBoxes[indexOf(shownLanguage())];
+}
+
 void PushButtonControl::setBackgroundColour(markup::Rgb colour) {
     QPalette palette = m_button->palette();
     palette.setColor(QPalette::Button, QColor(colour.red, colour.green, colour.blue));

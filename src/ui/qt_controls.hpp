@@ -5,7 +5,10 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <array>
+
 #include "editor/controls.hpp"
+#include "ui/tab_container.hpp"
 
 // Thin adaptors: the core's control interfaces over real widgets.
 namespace lorekeep::ui {
@@ -16,9 +19,28 @@ class LineEditControl final : public editor::TextBox {
     Text text() const override;
     void setText(TextView text) override;
     void setEnabled(bool enabled) override { m_edit->setEnabled(enabled); }
+    std::size_t selectionStart() const override;
+    std::size_t selectionEnd() const override;
+    void select(std::size_t start, std::size_t length) override;
+    void replaceRange(std::size_t start, std::size_t length, TextView text) override;
+    void giveFocus() override { m_edit->setFocus(Qt::OtherFocusReason); }
 
   private:
     QLineEdit* m_edit;
+};
+
+// The tab strip of the language pages and previews, and the window's caret.
+class TabPagesControl final : public editor::Pages {
+  public:
+    TabPagesControl(TabContainer* tabs, std::array<QLineEdit*, kLanguageCount> titleBoxes)
+        : m_tabs(tabs), m_titleBoxes(titleBoxes) {}
+    Language shownLanguage() const override;
+    bool titleHasCaret() const override;
+    void showLanguage(Language language) override { m_tabs->setCurrentIndex(indexOf(language)); }
+
+  private:
+    TabContainer* m_tabs;
+    std::array<QLineEdit*, kLanguageCount> m_titleBoxes;
 };
 
 class PushButtonControl final : public editor::Button {

@@ -324,7 +324,8 @@ bool TitleSpellCheck::eventFilter(QObject* watched, QEvent* event) {
                                                             static_cast<qsizetype>(end - start)));
             m_service->extendMenu(*menu, m_language, word, [this, start, word](TextView with) {
                 // Never a word cut short by the box's limit.
-                if (m_box->text().size() - word.size() + with.size() > m_box->maxLength()) {
+                if (m_box->text().size() - word.size() + with.size() >
+                    static_cast<std::size_t>(m_box->maxLength())) {
                     QApplication::beep();
                     return;
                 }

@@ -139,6 +139,21 @@ void TextBox<Edit>::setCaretPosition(std::size_t position) {
 }
 
 template <class Edit>
+std::size_t TextBox<Edit>::selectionEnd() const {
+    return static_cast<std::size_t>(this->textCursor().selectionEnd());
+}
+
+template <class Edit>
+void TextBox<Edit>::select(std::size_t start, std::size_t length) {
+    const std::size_t end = this->length();
+    QTextCursor cursor = this->textCursor();
+    cursor.setPosition(static_cast<int>(std::min(start, end)));
+    cursor.setPosition(static_cast<int>(std::min(start + length, end)), QTextCursor::KeepAnchor);
+    this->setTextCursor(cursor);
+    this->ensureCursorVisible();
+}
+
+template <class Edit>
 void TextBox<Edit>::giveFocus() {
     this->setFocus(Qt::OtherFocusReason);
 }

@@ -34,7 +34,9 @@ class TextBox : public Edit, public editor::EditorBox {
     void replaceRange(std::size_t start, std::size_t length, TextView text) override;
     void beep() override;
     std::size_t caretPosition() const override;
+    std::size_t selectionEnd() const override;
     void setCaretPosition(std::size_t position) override;
+    void select(std::size_t start, std::size_t length) override;
     void giveFocus() override;
 
     // The one change since the last call, or nothing when the box cannot

@@ -52,6 +52,25 @@ TEST(Find, FollowsTheOptions) {
     }
 }
 
+// A match is found wherever it stands in a long run of ASCII, which the
+// search passes over a block at a time; so is one whose first character lies
+// beyond ASCII and folds to an ASCII letter (the Kelvin sign's k).
+TEST(Find, FindsAMatchAnywhereInALongRun) {
+    const std::pair<std::u16string_view, std::u16string_view> cases[] = {
+        {u"DRAGON", u"dragon"},
+        {u"dragon", u"Dragon"},
+        {u"\u212Aelvin", u"kelvin"},
+        {u"École", u"ÉCOLE"}};
+    for (const auto& [written, needle] : cases) {
+        for (std::size_t pad = 0; pad < 70; ++pad) {
+            Text text(pad, u'x');
+            text.append(written).append(pad % 7, u'y');
+            EXPECT_EQ(startsOf(text, needle, {}), std::vector<std::size_t>{pad})
+                << toUtf8(needle) << " after " << pad;
+        }
+    }
+}
+
 TEST(Find, NextAndPreviousStepThroughTheMatches) {
     const TextView text = u"one two one two one";
     const FindOptions options{};

@@ -43,6 +43,7 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     void replaceRange(std::size_t start, std::size_t length, TextView value) override {
         text.replace(start, length, value);
         caret = std::min(caret, text.size());
+        selected = 0;
         ++replacements;
         if (onChange) {
             onChange(editor::TextChange{start, length, Text(value)});
@@ -50,7 +51,15 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
     }
     void beep() override { ++beeps; }
     std::size_t caretPosition() const override { return caret; }
-    void setCaretPosition(std::size_t at) override { caret = std::min(at, text.size()); }
+    std::size_t selectionEnd() const override { return caret + selected; }
+    void setCaretPosition(std::size_t at) override {
+        caret = std::min(at, text.size());
+        selected = 0;
+    }
+    void select(std::size_t start, std::size_t length) override {
+        caret = start;
+        selected = length;
+    }
     void giveFocus() override { focused = true; }
     void showPreview(const markup::RenderedPreview& value) override { preview = value; }
     // Patched as a real pane is, so that the commands' tests check the
@@ -66,6 +75,7 @@ struct FakeRichTextBox final : editor::EditorBox, editor::PreviewPane {
 
     Text text;
     std::size_t caret = 0;
+    std::size_t selected = 0;  // characters selected from the caret on
     bool focused = false;
     int replacements = 0;
     int beeps = 0;
@@ -79,7 +89,20 @@ struct FakeControl final : editor::TextBox, editor::Button {
     void setText(TextView text) override { value = Text(text); }
     void setEnabled(bool on) override { enabled = on; }
     void setBackgroundColour(markup::Rgb colour) override { background = colour; }
+    std::size_t selectionStart() const override { return selection.first; }
+    std::size_t selectionEnd() const override { return selection.second; }
+    void select(std::size_t start, std::size_t length) override {
+        selection = {start, start + length};
+    }
+    void replaceRange(std::size_t start, std::size_t length, TextView text) override {
+        value.replace(start, length, text);
+        ++edits;
+    }
+    void giveFocus() override { focused = true; }
     Text value;
+    std::pair<std::size_t, std::size_t> selection;
+    int edits = 0;  // undoable edits through replaceRange
+    bool focused = false;
     bool enabled = true;
     std::optional<markup::Rgb> background;
 };
@@ -117,6 +140,16 @@ struct FakeFileDialog final : editor::FileDialog {
     bool openForm = false;
 };
 
+// The tab strip: which language's page is shown, and whether the caret is in
+// its title box.
+struct FakePages final : editor::Pages {
+    Language shownLanguage() const override { return shown; }
+    bool titleHasCaret() const override { return inTitle; }
+    void showLanguage(Language language) override { shown = language; }
+    Language shown = Language::English;
+    bool inTitle = false;
+};
+
 // The whole window in memory, in its initial state.
 struct FakeWindow {
     FakeWindow() : editor(controls()) {
@@ -141,6 +174,7 @@ struct FakeWindow {
                                  .fontBox = &font,
                                  .messages = &messages,
                                  .fileDialog = &dialog,
+                                 .pages = &pages,
                                  .clock = &clock,
                                  .diagnostics = &diagnostics};
         for (int i = 0; i < kLanguageCount; ++i) {
@@ -181,6 +215,7 @@ struct FakeWindow {
     FakeFontBox font;
     RecordingMessageBox messages;
     FakeFileDialog dialog;
+    FakePages pages;
     CountingClock clock;
     std::ostringstream diagnostics;
     editor::SchemaEditor editor;
