@@ -192,12 +192,14 @@ FindStatus FindReplace::replace(const FindRequest& request) {
         const std::vector<search::Match>& matches = matchesIn(field, request);
         const auto at =
             std::ranges::lower_bound(matches, selected.start, {}, &search::Match::start);
-        if (at != matches.end() && *at == selected) {
+        const Text text = textOf(field);
+        // Looked for again in the text as it stands: only a match is replaced.
+        if (at != matches.end() && *at == selected &&
+            search::findNext(text, request.needle, request.options, selected.start) == selected) {
             LanguageControls& controls = m_controls.of(field.language);
-            const Text old = textOf(field).substr(selected.start, selected.length);
+            const Text old = text.substr(selected.start, selected.length);
             if (field.title) {
-                const Text title = controls.title->text();
-                if (title.size() - selected.length + request.replacement.size() > kMaxTitleLength) {
+                if (text.size() - selected.length + request.replacement.size() > kMaxTitleLength) {
                     controls.body->beep();
                     return {};
                 }
@@ -235,13 +237,17 @@ FindStatus FindReplace::replaceAll(const FindRequest& request) {
         }
         LanguageControls& controls = m_controls.of(field.language);
         Text old = textOf(field);
-        Rewritten rewritten = rewrite(
-            old, matches, request.replacement,
-            field.title ? controls.title->selectionStart() : controls.body->caretPosition());
-        if (rewritten.text.size() > (field.title ? kMaxTitleLength : kMaxBodyLength)) {
+        // Checked before the new text is built: a long replacement of many
+        // matches could otherwise ask for more memory than there is.
+        const std::size_t kept = old.size() - matches.size() * request.needle.size();
+        if (matches.size() * request.replacement.size() >
+            (field.title ? kMaxTitleLength : kMaxBodyLength) - kept) {
             controls.body->beep();
             return {Text(texts::kReplaceTooLong)};
         }
+        Rewritten rewritten = rewrite(
+            old, matches, request.replacement,
+            field.title ? controls.title->selectionStart() : controls.body->caretPosition());
         changes.push_back({field, std::move(old), std::move(rewritten), matches.size()});
     }
     if (changes.empty()) {
@@ -250,6 +256,11 @@ FindStatus FindReplace::replaceAll(const FindRequest& request) {
     std::size_t total = 0;
     std::array<bool, kLanguageCount> changed{};
     for (const Change& change : changes) {
+        total += change.count;
+        changed[static_cast<std::size_t>(indexOf(change.field.language))] = true;
+        if (change.rewritten.text == change.old) {
+            continue;  // replaced by itself: no edit, no undo step
+        }
         LanguageControls& controls = m_controls.of(change.field.language);
         const Splice splice = smallestChange(change.old, change.rewritten.text);
         if (change.field.title) {
@@ -260,8 +271,6 @@ FindStatus FindReplace::replaceAll(const FindRequest& request) {
             controls.body->setCaretPosition(change.rewritten.caret);
         }
         textChanged(change.field.language, change.field.title);
-        total += change.count;
-        changed[static_cast<std::size_t>(indexOf(change.field.language))] = true;
     }
     return {replacedIn(total, static_cast<std::size_t>(std::ranges::count(changed, true)))};
 }

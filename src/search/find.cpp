@@ -4,6 +4,8 @@
 #include <wctype.h>
 
 #include <algorithm>
+#include <array>
+#include <memory>
 
 #include "markup/markers.hpp"
 #include "markup/scanner.hpp"
@@ -23,15 +25,61 @@ bool isSurrogate(char16_t c) {
     return c >= 0xD800 && c < 0xE000;
 }
 
+// The lower case of every character of the first plane, worked out once.
+const std::array<char16_t, 0x10000>& lowerCase() {
+    static const auto table = [] {
+        auto lower = std::make_unique<std::array<char16_t, 0x10000>>();
+        for (std::size_t c = 0; c < lower->size(); ++c) {
+            const auto character = static_cast<char16_t>(c);
+            auto mapped = static_cast<wint_t>(c);
+            if (c < 0x80) {
+                mapped = c >= u'A' && c <= u'Z' ? mapped + (u'a' - u'A') : mapped;
+            } else if (!isSurrogate(character) && unicodeLocale() != locale_t{}) {
+                mapped = towlower_l(mapped, unicodeLocale());
+            }
+            (*lower)[c] = mapped < 0x10000 ? static_cast<char16_t>(mapped) : character;
+        }
+        return lower;
+    }();
+    return *table;
+}
+
 char16_t folded(char16_t c) {
-    if (c < 0x80) {
-        return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + (u'a' - u'A')) : c;
+    return lowerCase()[c];
+}
+
+// The characters that fold to `first` (itself among them), for the quick
+// scan: up to four, the list filled up by repeating them; none listed when
+// there are more.
+struct Candidates {
+    std::array<char16_t, 4> list;
+    std::size_t count = 0;
+};
+std::optional<Candidates> candidatesFor(char16_t first) {
+    // A search asks for the same letter again and again (once per match).
+    thread_local char16_t cachedFirst = 0;
+    thread_local std::optional<Candidates> cached;
+    if (cachedFirst == first && cached) {
+        return cached;
     }
-    if (isSurrogate(c) || unicodeLocale() == locale_t{}) {
-        return c;
+    Candidates candidates;
+    candidates.list.fill(first);
+    const auto& lower = lowerCase();
+    for (std::size_t c = 0; c < lower.size(); ++c) {
+        if (lower[c] == first) {
+            if (candidates.count == candidates.list.size()) {
+                return std::nullopt;
+            }
+            candidates.list[candidates.count++] = static_cast<char16_t>(c);
+        }
     }
-    const wint_t lower = towlower_l(c, unicodeLocale());
-    return lower < 0x10000 ? static_cast<char16_t>(lower) : c;
+    if (candidates.count <= 2) {
+        candidates.list[2] = candidates.list[0];
+        candidates.list[3] = candidates.list[1];
+    }
+    cachedFirst = first;
+    cached = candidates;
+    return cached;
 }
 
 bool isWordCharacter(char16_t c) {
@@ -91,28 +139,49 @@ bool accepted(TextView text, const Match& match, const FindOptions& options) {
            (!insideMarker(text, match.start) && !insideMarker(text, match.start + match.length));
 }
 
-// The first place from `at` up to `last` whose character may fold to
-// `first` (lower case) or `capital`: either of them, or any beyond ASCII.
-// Most text is ASCII, and a run of it is passed over a block at a time.
-std::size_t nextCandidate(TextView text, std::size_t at, std::size_t last, char16_t first,
-                          char16_t capital) {
+// From `at` on, the start of the first block of 32 characters up to `end`
+// that holds one of the first `N` candidates; `end` when none does. No early
+// exit within a block, so that the compiler vectorises it.
+template <std::size_t N>
+std::size_t blockWithCandidate(const char16_t* characters, std::size_t at, std::size_t end,
+                               const std::array<char16_t, 4>& list) {
     constexpr std::size_t kBlock = 32;
-    const char16_t* characters = text.data();
-    for (; at + kBlock <= last + 1; at += kBlock) {
+    const unsigned a = list[0], b = list[1], c = N > 2 ? list[2] : a, d = N > 2 ? list[3] : b;
+    for (; at + kBlock <= end; at += kBlock) {
         unsigned any = 0;
-        for (std::size_t k = 0; k < kBlock; ++k) {  // no early exit: the compiler vectorises it
-            const unsigned c = characters[at + k];
-            any |= static_cast<unsigned>(c == first) | static_cast<unsigned>(c == capital) |
-                   (c & 0xFF80U);
+        for (std::size_t k = 0; k < kBlock; ++k) {
+            const unsigned x = characters[at + k];
+            any |= static_cast<unsigned>(x == a) | static_cast<unsigned>(x == b);
+            if constexpr (N > 2) {
+                any |= static_cast<unsigned>(x == c) | static_cast<unsigned>(x == d);
+            }
         }
         if (any != 0) {
-            break;
+            return at;
         }
     }
-    for (; at <= last; ++at) {
-        const char16_t c = characters[at];
-        if (c == first || c == capital || (c >= 0x80 && folded(c) == first)) {
-            return at;
+    return at;
+}
+
+// The first place from `at` up to `last` whose character folds to `first`.
+// A run without one is passed over a block at a time.
+std::size_t nextCandidate(TextView text, std::size_t at, std::size_t last, char16_t first) {
+    constexpr std::size_t kBlock = 32;
+    const std::optional<Candidates> candidates = candidatesFor(first);
+    const char16_t* characters = text.data();
+    while (at <= last) {
+        if (candidates) {
+            at = candidates->count <= 2
+                     ? blockWithCandidate<2>(characters, at, last + 1, candidates->list)
+                     : blockWithCandidate<4>(characters, at, last + 1, candidates->list);
+        }
+        // The block that may hold one, a character at a time; then blocks again.
+        for (const std::size_t end = std::min(last + 1, at + kBlock); at < end; ++at) {
+            const char16_t x = characters[at];
+            if (candidates ? std::ranges::find(candidates->list, x) != candidates->list.end()
+                           : folded(x) == first) {
+                return at;
+            }
         }
     }
     return TextView::npos;
@@ -134,10 +203,6 @@ std::optional<Match> findNext(TextView text, TextView needle, const FindOptions&
     const Text lower = options.matchCase ? Text() : foldedText(needle);
     const TextView wanted = options.matchCase ? needle : TextView(lower);
     const char16_t first = wanted[0];
-    // The first letter's capital, for a quick scan of ASCII text; any other
-    // character is folded as it comes.
-    const char16_t capital =
-        first >= u'a' && first <= u'z' ? static_cast<char16_t>(first - (u'a' - u'A')) : first;
     const std::size_t last = text.size() - needle.size();
     for (std::size_t at = from; at <= last; ++at) {
         if (options.matchCase) {
@@ -146,7 +211,7 @@ std::optional<Match> findNext(TextView text, TextView needle, const FindOptions&
                 return std::nullopt;
             }
         } else {
-            at = nextCandidate(text, at, last, first, capital);
+            at = nextCandidate(text, at, last, first);
             if (at == TextView::npos) {
                 return std::nullopt;
             }

@@ -180,6 +180,16 @@ void FindDialog::findPrevious() {
     showStatus(m_find.findPrevious(request()));
 }
 
+void FindDialog::findAgain(bool forwards) {
+    const editor::FindStatus status =
+        forwards ? m_find.findNext(request()) : m_find.findPrevious(request());
+    showStatus(status);
+    // F3 from the window, the dialog closed: nothing found is heard, as nothing shows it.
+    if (!isVisible() && status.message == texts::kNoMatches) {
+        QApplication::beep();
+    }
+}
+
 void FindDialog::showStatus(const editor::FindStatus& status) {
     statusLabel->setText(toQString(status.message));
     wrappedLabel->setText(status.wrapped ? toQString(texts::kSearchWrapped) : QString());

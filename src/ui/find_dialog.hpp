@@ -28,6 +28,8 @@ class FindDialog : public QDialog {
 
     void findNext();
     void findPrevious();
+    // F3 or Shift+F3 from the window, the dialog open or not.
+    void findAgain(bool forwards);
 
     QLineEdit* findBox;
     QLineEdit* replaceBox;

@@ -95,6 +95,7 @@ MainWindow::~MainWindow() {
         bodyEditor(language)->onCharacterTyped = nullptr;
         previewPane(language)->disconnect(this);
         previewPane(language)->onCharacterTyped = nullptr;
+        languagePages[indexOf(language)]->titleBox->disconnect(this);
     }
 }
 
@@ -405,10 +406,8 @@ void MainWindow::connectEvents() {
         connect(again, &QShortcut::activated, this, [this, forwards] {
             if (m_findDialog == nullptr || m_findDialog->findBox->text().isEmpty()) {
                 openFindDialog();
-            } else if (forwards) {
-                m_findDialog->findNext();
             } else {
-                m_findDialog->findPrevious();
+                m_findDialog->findAgain(forwards);
             }
         });
     }

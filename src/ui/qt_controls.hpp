@@ -13,6 +13,10 @@
 // Thin adaptors: the core's control interfaces over real widgets.
 namespace lorekeep::ui {
 
+// Replaces `length` characters from `start` of a line edit as one edit that
+// its undo takes back on its own.
+void replaceInLineEdit(QLineEdit& edit, std::size_t start, std::size_t length, const QString& text);
+
 class LineEditControl final : public editor::TextBox {
   public:
     explicit LineEditControl(QLineEdit* edit) : m_edit(edit) {}

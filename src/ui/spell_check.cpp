@@ -13,6 +13,7 @@
 #include "editor/text_edits.hpp"
 #include "editor/texts.hpp"
 #include "ui/block_text.hpp"
+#include "ui/qt_controls.hpp"
 #include "ui/qt_text.hpp"
 
 namespace lorekeep::ui {
@@ -331,9 +332,8 @@ bool TitleSpellCheck::eventFilter(QObject* watched, QEvent* event) {
                 }
                 // The smallest splice, as one undoable edit of the box.
                 const editor::Splice change = editor::smallestChange(word, with);
-                m_box->setSelection(static_cast<int>(start + change.start),
-                                    static_cast<int>(change.length));
-                m_box->insert(toQString(change.text));
+                replaceInLineEdit(*m_box, start + change.start, change.length,
+                                  toQString(change.text));
             });
             break;
         }

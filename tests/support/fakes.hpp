@@ -96,12 +96,10 @@ struct FakeControl final : editor::TextBox, editor::Button {
     }
     void replaceRange(std::size_t start, std::size_t length, TextView text) override {
         value.replace(start, length, text);
-        ++edits;
     }
     void giveFocus() override { focused = true; }
     Text value;
     std::pair<std::size_t, std::size_t> selection;
-    int edits = 0;  // undoable edits through replaceRange
     bool focused = false;
     bool enabled = true;
     std::optional<markup::Rgb> background;

@@ -236,6 +236,29 @@ class FindTest : public QObject {
         QCOMPARE(m_window->previewPane(Language::English)->plainText(), u"Tim and Tim");
     }
 
+    // A replacement in a title is an undo step of its own, even where it only
+    // inserts; what was found is forgotten once a title or body changes.
+    void titlesUndoAndTypingAfterAReplacement() {
+        setBodies({u"cat", u"", u"", u""});
+        m_window->goTo(Language::English, true, 0);
+        QTest::keyClicks(title(0), "my cat");
+        lookFor("cat");
+        QTest::mouseClick(m_find->titlesTooBox, Qt::LeftButton);
+        QTest::keyClicks(m_find->replaceBox, "cats");
+        QTest::mouseClick(m_find->findPreviousButton, Qt::LeftButton);
+        QCOMPARE(shown(), "0 title 3+3");
+        QTest::mouseClick(m_find->replaceButton, Qt::LeftButton);
+        QCOMPARE(title(0)->text(), "my cats");
+        QCOMPARE(shown(), "0 body 0+3");
+        title(0)->undo();
+        QCOMPARE(title(0)->text(), "my cat");  // the typing before it stays
+        body(0)->moveCursor(QTextCursor::End);
+        QTest::keyClicks(body(0), " cat");
+        QTest::mouseClick(m_find->findNextButton, Qt::LeftButton);
+        QCOMPARE(status(), "1 of 3 Search wrapped");
+        QCOMPARE(shown(), "0 title 3+3");
+    }
+
     // Replace All: one undo step in each editor changed, each preview in
     // step, and what it did said in the dialog.
     void replaceAllIsOneUndoStepPerEditor() {
