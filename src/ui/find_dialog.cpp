@@ -1,7 +1,6 @@
 #include "ui/find_dialog.hpp"
 
 #include <QApplication>
-#include <QButtonGroup>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeySequence>
