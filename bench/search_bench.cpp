@@ -32,8 +32,9 @@ void BM_ReplaceAll(benchmark::State& state) {
     const lorekeep::Text body = lorekeep::bench::markedUpBody(4'000'000);
     std::size_t count = 0;
     for (auto _ : state) {
-        const auto replaced = lorekeep::search::replaceAll(body, u"tower", u"keep", {});
-        count = replaced.count;
+        const auto matches = lorekeep::search::findAll(body, u"tower", {});
+        const auto replaced = lorekeep::search::replaceMatches(body, matches, u"keep");
+        count = matches.size();
         benchmark::DoNotOptimize(replaced.text.data());
     }
     state.counters["replaced"] = static_cast<double>(count);

@@ -52,22 +52,6 @@ class EditorBox {
         replaceRange(change.start, change.length, change.text);
         setCaretPosition(0);
     }
-    // Puts `replacement` in place of `old`, which stands at `start`: the
-    // smallest splice, one undo step, the caret behind. A text that no longer
-    // holds `old` there, or that would grow beyond `limit`, beeps and stays.
-    bool replaceStretch(std::size_t start, TextView old, TextView replacement, std::size_t limit) {
-        const std::size_t length = textLength();
-        if (start > length || old.size() > length - start ||
-            length - old.size() + replacement.size() > limit ||
-            textBetween(start, start + old.size()) != old) {
-            beep();
-            return false;
-        }
-        const Splice change = smallestChange(old, replacement);
-        replaceRange(start + change.start, change.length, change.text);
-        setCaretPosition(start + replacement.size());
-        return true;
-    }
     // Characters in front of the caret (with a selection, its start).
     virtual std::size_t caretPosition() const = 0;
     // Characters in front of the selection's end; the caret without one.
@@ -111,14 +95,41 @@ class TextBox {
         static_cast<void>(start);
         static_cast<void>(length);
     }
+    void setCaretPosition(std::size_t position) { select(position, 0); }
+    std::size_t textLength() const { return text().size(); }
+    Text textBetween(std::size_t start, std::size_t end) const {
+        return text().substr(start, end - start);
+    }
     // Replaces `length` characters from `start` as one undoable edit.
     virtual void replaceRange(std::size_t start, std::size_t length, TextView text) {
         Text whole = this->text();
         setText(whole.replace(start, length, text));
     }
+    // Tells the user that an edit was refused.
+    virtual void beep() {}
     // Makes the box the one the window's caret is in (without raising the window).
     virtual void giveFocus() {}
 };
+
+// Puts `replacement` in place of `old`, which stands at `start` of an editor
+// or a text box: the smallest splice, one undo step, the caret behind. A text
+// that no longer holds `old` there, or that would grow beyond `limit`, beeps
+// and stays.
+template <class Box>
+bool replaceStretch(Box& box, std::size_t start, TextView old, TextView replacement,
+                    std::size_t limit) {
+    const std::size_t length = box.textLength();
+    if (start > length || old.size() > length - start ||
+        length - old.size() + replacement.size() > limit ||
+        box.textBetween(start, start + old.size()) != old) {
+        box.beep();
+        return false;
+    }
+    const Splice change = smallestChange(old, replacement);
+    box.replaceRange(start + change.start, change.length, change.text);
+    box.setCaretPosition(start + replacement.size());
+    return true;
+}
 
 // The tab strip and the window's caret, as finding uses them.
 class Pages {

@@ -11,8 +11,7 @@ namespace lorekeep::editor {
 namespace {
 
 Text counted(std::size_t number) {
-    const std::string digits = std::to_string(number);
-    return {digits.begin(), digits.end()};
+    return fromUtf8(std::to_string(number));
 }
 
 Text matchOf(std::size_t ordinal, std::size_t total) {
@@ -24,36 +23,6 @@ Text replacedIn(std::size_t count, std::size_t languages) {
         .append(texts::kReplacedIn)
         .append(counted(languages))
         .append(languages == 1 ? texts::kOneLanguage : texts::kLanguagesCounted);
-}
-
-// `text` with each of `matches` replaced, and where a caret at `caret` goes:
-// it moves with the text in front of it, and from inside a match to its start.
-struct Rewritten {
-    Text text;
-    std::size_t caret = 0;
-};
-Rewritten rewrite(TextView text, const std::vector<search::Match>& matches, TextView with,
-                  std::size_t caret) {
-    Rewritten result;
-    result.text.reserve(text.size() + matches.size() * with.size());
-    result.caret = caret;
-    std::size_t copied = 0;
-    for (const search::Match& match : matches) {
-        result.text.append(text.substr(copied, match.start - copied));
-        if (match.start < caret) {
-            result.caret =
-                result.text.size() + (caret >= match.start + match.length
-                                          ? with.size() + (caret - match.start - match.length)
-                                          : 0);
-        }
-        result.text.append(with);
-        copied = match.start + match.length;
-    }
-    if (copied < caret) {
-        result.caret = result.text.size() + (caret - copied);
-    }
-    result.text.append(text.substr(copied));
-    return result;
 }
 
 }  // namespace
@@ -186,33 +155,21 @@ FindStatus FindReplace::replace(const FindRequest& request) {
     }
     const std::vector<Field> fields = fieldsOf(request);
     const Place place = caretPlace(fields);
-    if (place.field < fields.size()) {
-        const Field field = fields[place.field];
-        const search::Match selected{place.start, place.end - place.start};
-        const std::vector<search::Match>& matches = matchesIn(field, request);
-        const auto at =
-            std::ranges::lower_bound(matches, selected.start, {}, &search::Match::start);
-        const Text text = textOf(field);
-        // Looked for again in the text as it stands: only a match is replaced.
-        if (at != matches.end() && *at == selected &&
-            search::findNext(text, request.needle, request.options, selected.start) == selected) {
-            LanguageControls& controls = m_controls.of(field.language);
-            const Text old = text.substr(selected.start, selected.length);
-            if (field.title) {
-                if (text.size() - selected.length + request.replacement.size() > kMaxTitleLength) {
-                    controls.body->beep();
-                    return {};
-                }
-                const Splice change = smallestChange(old, request.replacement);
-                controls.title->replaceRange(selected.start + change.start, change.length,
-                                             change.text);
-                controls.title->select(selected.start + request.replacement.size(), 0);
-            } else if (!controls.body->replaceStretch(selected.start, old, request.replacement,
-                                                      kMaxBodyLength)) {
-                return {};
-            }
-            textChanged(field.language, field.title);
+    const Field field = fields[place.field];
+    const search::Match selected{place.start, place.end - place.start};
+    const Text text = textOf(field);
+    // Only a match is replaced, as the text stands now.
+    if (search::findNext(text, request.needle, request.options, selected.start) == selected) {
+        LanguageControls& controls = m_controls.of(field.language);
+        const Text old = text.substr(selected.start, selected.length);
+        const bool replaced = field.title ? replaceStretch(*controls.title, selected.start, old,
+                                                           request.replacement, kMaxTitleLength)
+                                          : replaceStretch(*controls.body, selected.start, old,
+                                                           request.replacement, kMaxBodyLength);
+        if (!replaced) {
+            return {};
         }
+        textChanged(field.language, field.title);
     }
     return findNext(request);
 }
@@ -226,7 +183,7 @@ FindStatus FindReplace::replaceAll(const FindRequest& request) {
     struct Change {
         Field field;
         Text old;
-        Rewritten rewritten;
+        search::Replaced replaced;
         std::size_t count;
     };
     std::vector<Change> changes;
@@ -237,18 +194,15 @@ FindStatus FindReplace::replaceAll(const FindRequest& request) {
         }
         LanguageControls& controls = m_controls.of(field.language);
         Text old = textOf(field);
-        // Checked before the new text is built: a long replacement of many
-        // matches could otherwise ask for more memory than there is.
-        const std::size_t kept = old.size() - matches.size() * request.needle.size();
-        if (matches.size() * request.replacement.size() >
-            (field.title ? kMaxTitleLength : kMaxBodyLength) - kept) {
-            controls.body->beep();
+        if (search::lengthAfterReplacing(old.size(), matches, request.replacement) >
+            (field.title ? kMaxTitleLength : kMaxBodyLength)) {
+            field.title ? controls.title->beep() : controls.body->beep();
             return {Text(texts::kReplaceTooLong)};
         }
-        Rewritten rewritten = rewrite(
+        search::Replaced replaced = search::replaceMatches(
             old, matches, request.replacement,
             field.title ? controls.title->selectionStart() : controls.body->caretPosition());
-        changes.push_back({field, std::move(old), std::move(rewritten), matches.size()});
+        changes.push_back({field, std::move(old), std::move(replaced), matches.size()});
     }
     if (changes.empty()) {
         return {Text(texts::kNoMatches)};
@@ -258,17 +212,17 @@ FindStatus FindReplace::replaceAll(const FindRequest& request) {
     for (const Change& change : changes) {
         total += change.count;
         changed[static_cast<std::size_t>(indexOf(change.field.language))] = true;
-        if (change.rewritten.text == change.old) {
+        if (change.replaced.text == change.old) {
             continue;  // replaced by itself: no edit, no undo step
         }
         LanguageControls& controls = m_controls.of(change.field.language);
-        const Splice splice = smallestChange(change.old, change.rewritten.text);
+        const Splice splice = smallestChange(change.old, change.replaced.text);
         if (change.field.title) {
             controls.title->replaceRange(splice.start, splice.length, splice.text);
-            controls.title->select(change.rewritten.caret, 0);
+            controls.title->select(change.replaced.position, 0);
         } else {
             controls.body->replaceRange(splice.start, splice.length, splice.text);
-            controls.body->setCaretPosition(change.rewritten.caret);
+            controls.body->setCaretPosition(change.replaced.position);
         }
         textChanged(change.field.language, change.field.title);
     }

@@ -60,7 +60,7 @@ void SchemaEditor::insertAtCaret(Language language, TextView marker) {
 
 void SchemaEditor::replaceWord(Language language, std::size_t start, TextView word,
                                TextView replacement) {
-    m_controls.of(language).body->replaceStretch(start, word, replacement, kMaxBodyLength);
+    replaceStretch(*m_controls.of(language).body, start, word, replacement, kMaxBodyLength);
 }
 
 void SchemaEditor::applyEdit(EditorBox& editor, const TextEdit& edit) {

@@ -255,13 +255,31 @@ std::vector<Match> findAll(TextView text, TextView needle, const FindOptions& op
     return matches;
 }
 
-Replaced replaceAll(TextView text, TextView needle, TextView with, const FindOptions& options) {
+std::size_t lengthAfterReplacing(std::size_t length, const std::vector<Match>& matches,
+                                 TextView with) {
+    std::size_t removed = 0;
+    for (const Match& match : matches) {
+        removed += match.length;
+    }
+    return length - removed + matches.size() * with.size();
+}
+
+Replaced replaceMatches(TextView text, const std::vector<Match>& matches, TextView with,
+                        std::size_t position) {
     Replaced replaced;
+    replaced.text.reserve(lengthAfterReplacing(text.size(), matches, with));
+    replaced.position = position;
     std::size_t copied = 0;
-    for (const Match& match : findAll(text, needle, options)) {
-        replaced.text.append(text.substr(copied, match.start - copied)).append(with);
+    for (const Match& match : matches) {
+        replaced.text.append(text.substr(copied, match.start - copied));
+        if (match.start < position) {
+            replaced.position = replaced.text.size();  // inside the match: at its start
+        }
+        replaced.text.append(with);
         copied = match.start + match.length;
-        ++replaced.count;
+        if (copied <= position) {
+            replaced.position = replaced.text.size() + (position - copied);
+        }
     }
     replaced.text.append(text.substr(copied));
     return replaced;

@@ -38,11 +38,20 @@ std::optional<Match> findPrevious(TextView text, TextView needle, const FindOpti
 // Every match, left to right, none overlapping another.
 std::vector<Match> findAll(TextView text, TextView needle, const FindOptions& options);
 
+// How long a text of `length` characters grows or shrinks to when each of
+// `matches` (as findAll gives them) is replaced by `with`: known before the
+// new text is built, which may be too long to build.
+std::size_t lengthAfterReplacing(std::size_t length, const std::vector<Match>& matches,
+                                 TextView with);
+
 struct Replaced {
     Text text;
-    std::size_t count = 0;
+    // Where `position` of the old text stands in the new: it moves with the
+    // text in front of it, and from inside a match to the match's start.
+    std::size_t position = 0;
 };
-// `text` with every match of findAll replaced by `with`.
-Replaced replaceAll(TextView text, TextView needle, TextView with, const FindOptions& options);
+// `text` with each of `matches` (as findAll gives them) replaced by `with`.
+Replaced replaceMatches(TextView text, const std::vector<Match>& matches, TextView with,
+                        std::size_t position = 0);
 
 }  // namespace lorekeep::search

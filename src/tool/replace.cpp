@@ -113,20 +113,21 @@ int replaceInSchemas(const std::vector<SchemaFile>& files, const SearchRequest& 
                 if (text == nullptr || !inScope(request, language)) {
                     continue;
                 }
-                search::Replaced replaced =
-                    search::replaceAll(*text, request.find, request.with, request.options);
-                if (replaced.count == 0) {
+                const std::vector<search::Match> matches =
+                    search::findAll(*text, request.find, request.options);
+                if (matches.empty()) {
                     continue;
                 }
-                if (replaced.text.size() > limit) {
+                // Checked before the new text is built, which may be too long to build.
+                if (search::lengthAfterReplacing(text->size(), matches, request.with) > limit) {
                     refused = "the " + languageCode(language) +
                               " text would be longer than the window's limit of " +
                               std::to_string(limit) + " characters";
                     continue;
                 }
-                *text = std::move(replaced.text);
+                *text = search::replaceMatches(*text, matches, request.with).text;
                 rewrite[indexOf(language)] = true;
-                count += replaced.count;
+                count += matches.size();
             }
         }
         if (!refused.empty()) {

@@ -1,5 +1,6 @@
 #include "ui/qt_controls.hpp"
 
+#include <QApplication>
 #include <QFileInfo>
 #include <QMessageBox>
 
@@ -30,18 +31,17 @@ void LineEditControl::select(std::size_t start, std::size_t length) {
 }
 
 void LineEditControl::replaceRange(std::size_t start, std::size_t length, TextView text) {
-    replaceInLineEdit(*m_edit, start, length, toQString(text));
-}
-
-void replaceInLineEdit(QLineEdit& edit, std::size_t start, std::size_t length,
-                       const QString& text) {
     // A move of the cursor ends the box's current undo step; without one, an
     // insertion with nothing selected would join the typing before it.
-    edit.setCursorPosition(0);
-    edit.setCursorPosition(static_cast<int>(edit.text().size()));
+    m_edit->setCursorPosition(0);
+    m_edit->setCursorPosition(static_cast<int>(m_edit->text().size()));
     // Through the selection, so that the box's undo takes it back as one edit.
-    edit.setSelection(static_cast<int>(start), static_cast<int>(length));
-    edit.insert(text);
+    m_edit->setSelection(static_cast<int>(start), static_cast<int>(length));
+    m_edit->insert(toQString(text));
+}
+
+void LineEditControl::beep() {
+    QApplication::beep();
 }
 
 Language TabPagesControl::shownLanguage() const {

@@ -13,10 +13,6 @@
 // Thin adaptors: the core's control interfaces over real widgets.
 namespace lorekeep::ui {
 
-// Replaces `length` characters from `start` of a line edit as one edit that
-// its undo takes back on its own.
-void replaceInLineEdit(QLineEdit& edit, std::size_t start, std::size_t length, const QString& text);
-
 class LineEditControl final : public editor::TextBox {
   public:
     explicit LineEditControl(QLineEdit* edit) : m_edit(edit) {}
@@ -26,7 +22,9 @@ class LineEditControl final : public editor::TextBox {
     std::size_t selectionStart() const override;
     std::size_t selectionEnd() const override;
     void select(std::size_t start, std::size_t length) override;
+    // One edit that the box's undo takes back on its own.
     void replaceRange(std::size_t start, std::size_t length, TextView text) override;
+    void beep() override;
     void giveFocus() override { m_edit->setFocus(Qt::OtherFocusReason); }
 
   private:

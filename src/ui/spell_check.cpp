@@ -1,6 +1,5 @@
 #include "ui/spell_check.hpp"
 
-#include <QApplication>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QInputMethodEvent>
@@ -10,7 +9,6 @@
 #include <exception>
 #include <iostream>
 
-#include "editor/text_edits.hpp"
 #include "editor/texts.hpp"
 #include "ui/block_text.hpp"
 #include "ui/qt_controls.hpp"
@@ -324,16 +322,9 @@ bool TitleSpellCheck::eventFilter(QObject* watched, QEvent* event) {
             const Text word = fromQString(m_box->text().mid(static_cast<qsizetype>(start),
                                                             static_cast<qsizetype>(end - start)));
             m_service->extendMenu(*menu, m_language, word, [this, start, word](TextView with) {
-                // Never a word cut short by the box's limit.
-                if (m_box->text().size() - word.size() + with.size() >
-                    static_cast<std::size_t>(m_box->maxLength())) {
-                    QApplication::beep();
-                    return;
-                }
-                // The smallest splice, as one undoable edit of the box.
-                const editor::Splice change = editor::smallestChange(word, with);
-                replaceInLineEdit(*m_box, start + change.start, change.length,
-                                  toQString(change.text));
+                LineEditControl box(m_box);
+                editor::replaceStretch(box, start, word, with,
+                                       static_cast<std::size_t>(m_box->maxLength()));
             });
             break;
         }
