@@ -214,6 +214,18 @@ fs::path writeSchema(const std::string& name, const lorekeep::Text& body, bool a
     return folder / (name + ".sch");
 }
 
+// The editor's window once it is up, settled and focused; nothing when it
+// never came up.
+std::optional<Window> focusedWindow(Display& display, const Process& editor) {
+    const auto mapped = display.waitForMap(60);
+    if (!mapped || !editor.waitUntilIdle()) {
+        return std::nullopt;
+    }
+    display.focus(mapped->first);
+    editor.waitUntilIdle();
+    return mapped->first;
+}
+
 void BM_KeystrokeThroughX(benchmark::State& state) {
     const auto kind = static_cast<Kind>(state.range(1));
     const auto place = static_cast<Place>(state.range(2));
@@ -232,13 +244,10 @@ void BM_KeystrokeThroughX(benchmark::State& state) {
         const auto before = fs::file_size(file);
         Process editor(
             {editorProgram(), "--goto", "English:body:" + std::to_string(caret), file.string()});
-        const auto mapped = display.waitForMap(60);
-        if (!mapped || !editor.waitUntilIdle()) {
+        if (!focusedWindow(display, editor)) {
             state.SkipWithError("the window did not come up and settle");
             return;
         }
-        display.focus(mapped->first);
-        editor.waitUntilIdle();
         const double cpu = editor.cpuSeconds();
         const auto begun = Clock::now();
         for (int k = 0; k < kKeys; ++k) {
@@ -285,13 +294,11 @@ void BM_FindThroughX(benchmark::State& state) {
     for (auto _ : state) {
         const auto before = fs::file_size(file);
         Process editor({editorProgram(), "--goto", "English:body:0", file.string()});
-        const auto window = display.waitForMap(60);
-        if (!window || !editor.waitUntilIdle()) {
+        const auto window = focusedWindow(display, editor);
+        if (!window) {
             state.SkipWithError("the window did not come up and settle");
             return;
         }
-        display.focus(window->first);
-        editor.waitUntilIdle();
         display.press(XK_f, true);
         const auto dialog = display.waitForMap(10);
         if (!dialog) {
@@ -313,7 +320,7 @@ void BM_FindThroughX(benchmark::State& state) {
         state.counters["cpu_ms"] = (editor.cpuSeconds() - cpu) * 1000;
         state.counters["peak_MB"] = editor.peakMegabytes();
         // The check: a letter over the selection (Find Next), then a save.
-        display.focus(window->first);
+        display.focus(*window);
         if (command == kFindNext) {
             display.press(XK_q);
         }
