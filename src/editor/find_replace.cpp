@@ -217,13 +217,11 @@ FindStatus FindReplace::replaceAll(const FindRequest& request) {
         }
         LanguageControls& controls = m_controls.of(change.field.language);
         const Splice splice = smallestChange(change.old, change.replaced.text);
-        if (change.field.title) {
-            controls.title->replaceRange(splice.start, splice.length, splice.text);
-            controls.title->select(change.replaced.position, 0);
-        } else {
-            controls.body->replaceRange(splice.start, splice.length, splice.text);
-            controls.body->setCaretPosition(change.replaced.position);
-        }
+        const auto apply = [&](auto& box) {
+            box.replaceRange(splice.start, splice.length, splice.text);
+            box.setCaretPosition(change.replaced.position);
+        };
+        change.field.title ? apply(*controls.title) : apply(*controls.body);
         textChanged(change.field.language, change.field.title);
     }
     return {replacedIn(total, static_cast<std::size_t>(std::ranges::count(changed, true)))};
